@@ -1,0 +1,3 @@
+#include "common/office_app.h"
+
+OfficeHost OfficeApp = OfficeHost::None;

@@ -1,0 +1,36 @@
+#pragma once
+#include <cstdint>
+#include <string>
+#include <string_view>
+
+#include "common/office_app.h"
+#include "log/write_log.h"
+
+// A broken-down local time, as GetLocalTime gives it.
+struct LocalTimeParts {
+  int year = 0;
+  int month = 0;
+  int day = 0;
+  int hour = 0;
+  int minute = 0;
+  int second = 0;
+  int milliseconds = 0;
+};
+
+// "[2025-03-07 09:04:05.007]": the year unpadded, the other fields padded
+// with zeros to two digits, milliseconds to three.
+std::wstring FormatLogTimestamp(const LocalTimeParts& time);
+
+// "F", "E", "W", "I", "D".
+const wchar_t* LevelLetter(LogLevel level);
+
+// Five characters wide so the column lines up: "-----", "Word ", "Excel", "PPT  ".
+const wchar_t* HostTag(OfficeHost host);
+
+// Name written for a thread that was never named.
+inline constexpr const wchar_t* kUnnamedThread = L"THREAD_NAME";
+
+// One line without its line end:
+// stamp " " host " pid=" pid " " letter " " thread " - " message
+std::wstring FormatLogLine(std::wstring_view stamp, OfficeHost host, std::wstring_view pidText,
+                           std::wstring_view letter, std::wstring_view threadName, std::wstring_view message);
