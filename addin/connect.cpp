@@ -1,0 +1,333 @@
+#include "addin/connect.h"
+
+#include <new>
+
+#include "addin/connection_state.h"
+#include "addin/heap_corruption_handler.h"
+#include "addin/host_identity.h"
+#include "addin/module.h"
+#include "addin/ui_toolkit.h"
+#include "common/dispatch.h"
+#include "common/exception_barrier.h"
+#include "common/office_app.h"
+#include "common/text.h"
+#include "common/win_error.h"
+#include "log/log_folder.h"
+#include "log/thread_names.h"
+#include "log/write_log.h"
+#include "overlay/custom_ui_updater.h"
+#include "overlay/window_classes.h"
+#include "synclink/cache_shutdown.h"
+#include "synclink/event_update_thread.h"
+
+namespace {
+// The host's _Application interfaces, from each host's type library.
+const IID kWordApplication = {0x00020970, 0x0000, 0x0000, {0xC0, 0x00, 0x00, 0x00, 0x00, 0x00, 0x00, 0x46}};
+const IID kExcelApplication = {0x000208D5, 0x0000, 0x0000, {0xC0, 0x00, 0x00, 0x00, 0x00, 0x00, 0x00, 0x46}};
+const IID kPowerPointApplication = {0x91493442, 0x5A91, 0x11CF, {0x87, 0x00, 0x00, 0xAA, 0x00, 0x60, 0x26, 0x3B}};
+
+const wchar_t* const kOverlayClassNames[] = {
+    L"QelvoFilewellSync-MSOfficeAddin-MainUI",          L"QelvoFilewellSync-MSOfficeAddin-GreenUI",
+    L"QelvoFilewellSync-MSOfficeAddin-RedUI",           L"QelvoFilewellSync-MSOfficeAddin-BlueUI",
+    L"QelvoFilewellSync-MSOfficeAddin-LightGreyUI",     L"QelvoFilewellSync-MSOfficeAddin-VerWhiteScrollUI",
+    L"QelvoFilewellSync-MSOfficeAddin-LightGreyHorScrollUI", L"QelvoFilewellSync-MSOfficeAddin-LightBlueHorScrollUI",
+};
+
+ComPtr<IDispatch>& ApplicationSlot(OfficeHost host) {
+  switch (host) {
+    case OfficeHost::Word:
+      return WordApplication;
+    case OfficeHost::Excel:
+      return ExcelApplication;
+    default:
+      return PowerPointApplication;
+  }
+}
+
+const IID& ApplicationInterface(OfficeHost host) {
+  switch (host) {
+    case OfficeHost::Word:
+      return kWordApplication;
+    case OfficeHost::Excel:
+      return kExcelApplication;
+    default:
+      return kPowerPointApplication;
+  }
+}
+
+// The five extensibility methods as late-bound callers name them.
+struct ExtensibilityMember {
+  const wchar_t* name;
+  DISPID id;
+};
+const ExtensibilityMember kExtensibilityMembers[] = {
+    {L"OnConnection", 1}, {L"OnDisconnection", 2}, {L"OnAddInsUpdate", 3},
+    {L"OnStartupComplete", 4}, {L"OnBeginShutdown", 5},
+};
+}  // namespace
+
+HRESULT CConnect::Create(REFIID iid, void** object) {
+  auto* connect = new (std::nothrow) CConnect();
+  if (connect == nullptr) return E_OUTOFMEMORY;
+  const HRESULT hr = connect->QueryInterface(iid, object);
+  connect->Release();
+  return hr;
+}
+
+CConnect::CConnect() { ModuleAddRef(); }
+
+CConnect::~CConnect() {
+  // Disconnection leaves these alone (the thread may still be winding
+  // down); the object's end is where they are given back.
+  EventUpdateThreadHandle.reset();
+  ModuleRelease();
+}
+
+HRESULT CConnect::QueryInterface(REFIID iid, void** object) {
+  if (object == nullptr) return E_POINTER;
+  if (IsEqualIID(iid, IID_IUnknown) || IsEqualIID(iid, IID_IDispatch) || IsEqualIID(iid, IID__IDTExtensibility2)) {
+    *object = static_cast<_IDTExtensibility2*>(this);
+  } else if (IsEqualIID(iid, IID_IConnect)) {
+    *object = static_cast<IConnect*>(this);
+  } else {
+    *object = nullptr;
+    return E_NOINTERFACE;
+  }
+  AddRef();
+  return S_OK;
+}
+
+ULONG CConnect::AddRef() { return ++references_; }
+
+ULONG CConnect::Release() {
+  const ULONG left = --references_;
+  if (left == 0) delete this;
+  return left;
+}
+
+HRESULT CConnect::GetTypeInfoCount(UINT* count) {
+  if (count == nullptr) return E_POINTER;
+  *count = 0;
+  return S_OK;
+}
+
+HRESULT CConnect::GetTypeInfo(UINT, LCID, ITypeInfo** info) {
+  if (info) *info = nullptr;
+  return DISP_E_BADINDEX;
+}
+
+HRESULT CConnect::GetIDsOfNames(REFIID, LPOLESTR* names, UINT count, LCID, DISPID* ids) {
+  if (names == nullptr || ids == nullptr) return E_POINTER;
+  HRESULT hr = S_OK;
+  for (UINT i = 0; i < count; ++i) {
+    ids[i] = DISPID_UNKNOWN;
+    if (i == 0) {
+      for (const auto& member : kExtensibilityMembers) {
+        if (names[0] != nullptr && lstrcmpiW(names[0], member.name) == 0) ids[0] = member.id;
+      }
+    }
+    if (ids[i] == DISPID_UNKNOWN) hr = DISP_E_UNKNOWNNAME;
+  }
+  return hr;
+}
+
+HRESULT CConnect::Invoke(DISPID id, REFIID, LCID, WORD flags, DISPPARAMS* params, VARIANT*, EXCEPINFO*,
+                         UINT* badArgument) {
+  if (!(flags & DISPATCH_METHOD)) return DISP_E_MEMBERNOTFOUND;
+  if (params == nullptr) return E_INVALIDARG;
+  const UINT expected = id == 1 ? 4 : id == 2 ? 2 : 1;
+  if (id < 1 || id > 5) return DISP_E_MEMBERNOTFOUND;
+  if (params->cArgs != expected) return DISP_E_BADPARAMCOUNT;
+  // Only the first argument of OnConnection is ever read; the custom arrays
+  // are passed on as null.
+  if (id == 1) {
+    VARIANT application;
+    VariantInit(&application);
+    HRESULT hr = DispGetParam(params, 0, VT_DISPATCH, &application, badArgument);
+    if (FAILED(hr)) return hr;
+    VARIANT mode;
+    VariantInit(&mode);
+    hr = DispGetParam(params, 1, VT_I4, &mode, badArgument);
+    if (FAILED(hr)) {
+      VariantClear(&application);
+      return hr;
+    }
+    hr = OnConnection(application.pdispVal, mode.lVal, nullptr, nullptr);
+    VariantClear(&application);
+    return hr;
+  }
+  if (id == 2) {
+    VARIANT mode;
+    VariantInit(&mode);
+    const HRESULT hr = DispGetParam(params, 0, VT_I4, &mode, badArgument);
+    if (FAILED(hr)) return hr;
+    return OnDisconnection(mode.lVal, nullptr);
+  }
+  if (id == 3) return OnAddInsUpdate(nullptr);
+  if (id == 4) return OnStartupComplete(nullptr);
+  return OnBeginShutdown(nullptr);
+}
+
+HRESULT CConnect::OnConnection(IDispatch* application, int, IDispatch*, SAFEARRAY**) {
+  // Installed first, before anything can log: the handler must be there
+  // for whatever the rest of the start-up does.
+  VectoredHandlerHandle = AddVectoredExceptionHandler(0, HeapCorruptionHandler);
+  const DWORD vehError = GetLastError();
+
+  HRESULT result = S_OK;
+  Guarded(L"office app tries to connect", 0, [&] {
+    NameThread(GetCurrentThreadId(), L"MainThread");
+    InitLogFolder();
+    WriteLog(LogLevel::Info, L"Add-in version = 1.0.0.4");
+    WriteLog(LogLevel::Info, L"office app connects");
+    if (VectoredHandlerHandle != nullptr) {
+      WriteLog(LogLevel::Info, L"VEH added");
+    } else {
+      WriteLog(LogLevel::Error, L"couldn't add VEH - " + std::to_wstring(vehError));
+    }
+    if (ConnectToHost(application, result) == S_OK) StartRunningParts();
+    return 0;
+  });
+  return result;
+}
+
+// Identifies the host and attaches to it. S_FALSE: not a host we serve, so
+// the add-in stays idle (and the host keeps it loaded).
+HRESULT CConnect::ConnectToHost(IDispatch* application, HRESULT& result) {
+  wchar_t path[260];
+  const DWORD length = GetModuleFileNameW(nullptr, path, 260);
+  if (length == 0) {
+    LogLastError(L"couldn't get office app path");
+    return S_FALSE;
+  }
+  OfficeAppPath.assign(path, length);
+  LowerAsciiInPlace(OfficeAppPath);
+
+  const OfficeHost host = IdentifyHost(OfficeAppPath);
+  if (host == OfficeHost::None) {
+    WriteLog(LogLevel::Error, L"office app connects (but not Word/Excel/PPT)");
+    return S_FALSE;
+  }
+
+  OfficeApp = host;
+  ComPtr<IDispatch> hostApplication;
+  if (application != nullptr) application->QueryInterface(ApplicationInterface(host), hostApplication.put_void());
+  ApplicationSlot(host) = hostApplication;
+  result = sinks_.Subscribe(host, hostApplication.get());
+  static DispatchName version(L"Version");
+  const std::wstring versionText = GetStringProperty(hostApplication.get(), version, 0);
+  WriteLog(LogLevel::Info, L"office app connected");
+  hostApplication.reset();
+  WriteLog(LogLevel::Info, L"MS Office version = " + versionText);
+  return S_OK;
+}
+
+void CConnect::StartRunningParts() {
+  ImmediateUpdateEvent.reset(CreateEventW(nullptr, TRUE, FALSE, L"immediatelyUpdateEvent"));
+  if (!ImmediateUpdateEvent) LogLastError(L"couldn't create ms office immediately update event");
+
+  DWORD threadId = 0;
+  EventUpdateThreadHandle.reset(CreateThread(nullptr, 0, EventUpdateThreadProc, nullptr, 0, &threadId));
+  if (EventUpdateThreadHandle) {
+    NameThread(threadId, L"EvntUpdate");
+  } else {
+    LogLastError(L"couldn't create ms office event update thread");
+  }
+
+  const HINSTANCE instance = ModuleInstance();
+  if (instance != nullptr) {
+    WriteLog(LogLevel::Debug, L"hinstance available");
+  } else {
+    WriteLog(LogLevel::Error, L"hinstance not available");
+  }
+  for (size_t i = 0; i < std::size(kOverlayClassNames); ++i) {
+    const ATOM atom = RegisterOverlayWindowClass(kOverlayClassNames[i], instance);
+    if (i == 0) WriteLog(atom != 0 ? LogLevel::Debug : LogLevel::Error, atom != 0 ? L"class registered" : L"class not registered");
+  }
+
+  InitUiToolkit();
+
+  CustomUiTimerId = SetTimer(nullptr, 0, 4000, CustomUiTimerProc);
+  if (CustomUiTimerId != 0) {
+    WriteLog(LogLevel::Info, L"custom ui update timer added");
+  } else {
+    LogLastError(L"couldn't create custom ui update timer");
+  }
+}
+
+HRESULT CConnect::OnDisconnection(int, SAFEARRAY**) {
+  Guarded(L"office app tries to disconnect", 0, [&] {
+    WriteLog(LogLevel::Info, L"office app disconnects");
+    EmptyCacheAtDisconnection();
+    DisconnectFromHost();
+    ShutdownUiToolkit();
+    StopRunningParts();
+    WriteLog(LogLevel::Info, L"office app disconnected");
+    return 0;
+  });
+  return S_OK;
+}
+
+void CConnect::DisconnectFromHost() {
+  switch (OfficeApp) {
+    case OfficeHost::Word:
+    case OfficeHost::Excel:
+    case OfficeHost::PowerPoint: {
+      ComPtr<IDispatch>& slot = ApplicationSlot(OfficeApp);
+      sinks_.Unsubscribe(OfficeApp, slot.get());
+      slot.reset();
+      break;
+    }
+    case OfficeHost::None:
+      // Also the road of a host we do not serve: OfficeApp stayed 0 for it.
+      WriteLog(LogLevel::Error, L"office app disconnects, but unknown exception occurred when office app connected");
+      break;
+    default:
+      WriteLog(LogLevel::Error, L"office app disconnects (but not Word/Excel/PPT)");
+      break;
+  }
+}
+
+void CConnect::StopRunningParts() {
+  if (VectoredHandlerHandle != nullptr) {
+    if (RemoveVectoredExceptionHandler(VectoredHandlerHandle) == 0) {
+      LogLastError(L"couldn't remove VEH");
+    } else {
+      WriteLog(LogLevel::Info, L"VEH removed");
+    }
+  } else {
+    WriteLog(LogLevel::Error, L"VEH not available to remove");
+  }
+
+  if (EventUpdateThreadHandle) {
+    if (!StopEventUpdateThread(EventUpdateThreadHandle.get())) {
+      LogLastError(L"couldn't stop ms office event update thread");
+    } else {
+      WriteLog(LogLevel::Info, L"stopped event update thread");
+    }
+  } else {
+    WriteLog(LogLevel::Error, L"event update thread not available to stop");
+  }
+
+  if (CustomUiTimerId != 0) {
+    if (!KillTimer(nullptr, CustomUiTimerId)) {
+      LogLastError(L"couldn't remove custom ui update timer");
+    } else {
+      WriteLog(LogLevel::Info, L"custom ui update timer removed");
+    }
+  } else {
+    WriteLog(LogLevel::Error, L"custom ui update timer not available to remove");
+  }
+}
+
+HRESULT CConnect::OnAddInsUpdate(SAFEARRAY**) { return S_OK; }
+
+HRESULT CConnect::OnStartupComplete(SAFEARRAY**) {
+  WriteLog(LogLevel::Info, L"office app startup completed");
+  return S_OK;
+}
+
+HRESULT CConnect::OnBeginShutdown(SAFEARRAY**) {
+  WriteLog(LogLevel::Info, L"office app begins to shut down");
+  return S_OK;
+}

@@ -1,0 +1,4 @@
+#pragma once
+#define IDS_PROJNAME 100
+#define IDR_QSYNCMSOFFICEADDIN 101
+#define IDI_ADDIN 201

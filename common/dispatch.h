@@ -1,0 +1,49 @@
+#pragma once
+// Calls into Office's object model by member name. Each call site keeps a
+// static DispatchName, so the name is resolved with GetIDsOfNames once (on
+// the first object that knows it) and later calls go straight to Invoke.
+#include <windows.h>
+#include <oaidl.h>
+
+#include <initializer_list>
+#include <stdexcept>
+#include <string>
+
+#include "common/com_ptr.h"
+#include "common/variant.h"
+
+class DispatchName {
+ public:
+  explicit DispatchName(const wchar_t* name) noexcept : name_(name) {}
+  const wchar_t* name() const noexcept { return name_; }
+  // The member's DISPID on this object, resolved once and then cached.
+  HRESULT Resolve(IDispatch* object, DISPID* id);
+
+ private:
+  const wchar_t* name_;
+  DISPID id_ = DISPID_UNKNOWN;
+  bool resolved_ = false;
+};
+
+// A failed object-model call, carrying its HRESULT; what() names the member.
+class ComError : public std::runtime_error {
+ public:
+  ComError(const wchar_t* member, HRESULT hr);
+  HRESULT code() const noexcept { return code_; }
+
+ private:
+  HRESULT code_;
+};
+
+// Arguments are given in their natural order; they are passed to Invoke in
+// reverse, as IDispatch expects. `result` may be null.
+HRESULT InvokeByName(IDispatch* object, DispatchName& member, WORD flags, std::initializer_list<const VARIANT*> args,
+                     VARIANT* result, LCID lcid = 0);
+
+// Throwing conveniences for the common cases.
+UniqueVariant GetProperty(IDispatch* object, DispatchName& member, LCID lcid = 0);
+std::wstring GetStringProperty(IDispatch* object, DispatchName& member, LCID lcid = 0);
+ComPtr<IDispatch> GetObjectProperty(IDispatch* object, DispatchName& member, LCID lcid = 0);
+long GetLongProperty(IDispatch* object, DispatchName& member, LCID lcid = 0);
+UniqueVariant CallMethod(IDispatch* object, DispatchName& member, std::initializer_list<const VARIANT*> args,
+                         LCID lcid = 0);

@@ -1,0 +1,46 @@
+#pragma once
+#include <windows.h>
+
+#include <cstdint>
+#include <memory>
+#include <string>
+
+#include "common/unique_resource.h"
+#include "log/write_log.h"
+
+// The log file shared by every Office process of the user. Lines are UTF-8;
+// each opening of the file writes a byte-order mark first. Above 5 MiB the
+// file becomes the single backup and a new file begins.
+class AddinLog {
+ public:
+  static constexpr std::int64_t kRotationSize = 5242880;
+
+  AddinLog(const std::wstring& folder, const wchar_t* fileName, const wchar_t* rotatedFileName);
+
+  // Writes one line under the named log mutex, rotating first if needed.
+  void WriteLine(LogLevel level, const std::wstring& message);
+
+  const std::wstring& logPath() const { return logPath_; }
+  const std::wstring& rotatedPath() const { return rotatedPath_; }
+
+ private:
+  int RotateIfNeeded();
+  void EnsureOpen();
+  void CloseFile();
+  void AppendLine(const wchar_t* letter, const std::wstring& message);
+
+  std::wstring logPath_;
+  std::wstring rotatedPath_;
+  std::wstring pidText_;
+  std::string buffer_;  // reused for the UTF-8 bytes of each line
+  UniqueFileHandle file_;
+};
+
+// Replaces the process-wide log object (the old one is destroyed).
+void InstallAddinLog(std::unique_ptr<AddinLog> log);
+// The process-wide log object, or null before InitLogFolder.
+AddinLog* CurrentAddinLog();
+
+// The named mutex that serialises all writers of all processes; created on
+// first use and kept for the life of the process (null if creation failed).
+HANDLE LogMutex();
