@@ -1,0 +1,32 @@
+#!/usr/bin/env bash
+# Creates the Wine prefix that every Windows test of this build shares, once
+# per test run: a crash must end a test at once (no debugger waiting), the
+# sync app's folder under %APPDATA% exists as it does on a user's machine,
+# and the simulated Office is installed under Office's own folder names.
+set -eu
+bin_dir="$1"
+here="$(cd "$(dirname "${BASH_SOURCE[0]}")" && pwd)"
+: "${QSYNC_WINEPREFIX:=$here/../../build/windows/wineprefix}"
+export WINEPREFIX="$QSYNC_WINEPREFIX" WINEDEBUG=-all WINEDLLOVERRIDES="mscoree,mshtml="
+run() { "$here/wine-run.sh" "$@"; }
+
+if [ ! -f "$WINEPREFIX/system.reg" ]; then
+  mkdir -p "$WINEPREFIX"
+  run wineboot -i >/dev/null 2>&1
+  wineserver -w
+fi
+run reg add 'HKLM\Software\Microsoft\Windows NT\CurrentVersion\AeDebug' /v Debugger /t REG_SZ /d '' /f >/dev/null 2>&1
+run reg add 'HKLM\Software\Microsoft\Windows NT\CurrentVersion\AeDebug' /v Auto /t REG_SZ /d 0 /f >/dev/null 2>&1
+run reg add 'HKCU\Software\Wine\WineDbg' /v ShowCrashDialog /t REG_DWORD /d 0 /f >/dev/null 2>&1
+
+appdata="$WINEPREFIX/drive_c/users/${USER:-$(id -un)}/AppData/Roaming"
+[ -d "$appdata" ] || appdata="$(ls -d "$WINEPREFIX"/drive_c/users/*/AppData/Roaming | head -1)"
+mkdir -p "$appdata/QelvoFilewell/bin/images" "$appdata/QelvoFilewell/avatar"
+
+office="$WINEPREFIX/drive_c/Program Files/Microsoft Office/root/Office16"
+mkdir -p "$office"
+if [ -f "$bin_dir/officesim.exe" ]; then
+  for name in WINWORD.EXE EXCEL.EXE POWERPNT.EXE OUTLOOK.EXE; do cp "$bin_dir/officesim.exe" "$office/$name"; done
+fi
+wineserver -w
+echo "prefix ready: $WINEPREFIX"

@@ -1,0 +1,41 @@
+#pragma once
+// Helpers shared by the Windows tests: paths inside the test prefix, the
+// add-in's log, and child processes.
+#include <windows.h>
+
+#include <string>
+#include <vector>
+
+// Folder of the running test executable: the build's bin folder, where the
+// DLL and the tools are.
+std::wstring BinFolder();
+std::wstring AddinDllPath();
+
+// %APPDATA%, and the add-in's log folder and files under it.
+std::wstring AppDataFolder();
+std::wstring LogFolder();
+std::wstring LogFilePath();
+std::wstring RotatedLogFilePath();
+void DeleteLogFiles();
+
+// The simulated Office installed in the prefix under Office's folder names:
+// "WINWORD.EXE", "EXCEL.EXE", "POWERPNT.EXE", "OUTLOOK.EXE".
+std::wstring OfficeExecutable(const wchar_t* exeName);
+
+// Lines of a UTF-8 log file, each without its line end; byte-order marks
+// are kept where they stand so tests can check them.
+std::vector<std::string> ReadLines(const std::wstring& path);
+std::string ReadFileBytes(const std::wstring& path);
+// Only the message part of each line (after the first " - "), BOMs removed.
+std::vector<std::string> LogMessages(const std::wstring& path);
+
+struct ProcessResult {
+  DWORD exitCode = 0xdeadbeef;
+  std::string output;  // stdout and stderr together
+  bool timedOut = false;
+};
+// Runs a command line, capturing its output, and waits up to timeoutMs.
+ProcessResult RunProcess(const std::wstring& commandLine, DWORD timeoutMs = 60000);
+
+std::string Narrow(const std::wstring& text);
+std::wstring WidenUtf8(const std::string& text);

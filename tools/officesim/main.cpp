@@ -1,0 +1,157 @@
+// officesim: a stand-in for Word, Excel, PowerPoint or Outlook (chosen by
+// the executable's own name) that loads COM add-ins as Office does, gives
+// them an Application object and a real main window, plays a script of
+// user actions, and shuts the add-ins down as Office does at exit.
+//
+//   WINWORD.EXE [--script FILE] [--cycles N]
+//
+// --cycles N connects and disconnects a fresh add-in object N times in one
+// process and prints the process's resources after the first and the last
+// cycle, so leaks show as growth.
+#include <windows.h>
+
+#include <cstdio>
+#include <string>
+
+#include "common/text.h"
+#include "tools/officesim/addin_loader.h"
+#include "tools/officesim/host_kind.h"
+#include "tools/officesim/host_script.h"
+#include "tools/officesim/resource_counts.h"
+#include "tools/officesim/sim_application.h"
+
+namespace {
+LRESULT CALLBACK MainWindowProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
+  if (message == WM_PAINT) {
+    PAINTSTRUCT paint;
+    HDC dc = BeginPaint(window, &paint);
+    RECT client;
+    GetClientRect(window, &client);
+    FillRect(dc, &client, static_cast<HBRUSH>(GetStockObject(WHITE_BRUSH)));
+    EndPaint(window, &paint);
+    return 0;
+  }
+  return DefWindowProcW(window, message, wParam, lParam);
+}
+
+HWND CreateMainWindow(SimHost host) {
+  WNDCLASSEXW windowClass{};
+  windowClass.cbSize = sizeof(windowClass);
+  windowClass.lpfnWndProc = MainWindowProc;
+  windowClass.hInstance = GetModuleHandleW(nullptr);
+  windowClass.hCursor = LoadCursorW(nullptr, IDC_ARROW);
+  windowClass.lpszClassName = MainWindowClass(host);
+  RegisterClassExW(&windowClass);
+  HWND window = CreateWindowExW(0, MainWindowClass(host), MainWindowTitle(host), WS_OVERLAPPEDWINDOW | WS_VISIBLE,
+                                60, 40, 1100, 700, nullptr, nullptr, GetModuleHandleW(nullptr), nullptr);
+  UpdateWindow(window);
+  return window;
+}
+
+SAFEARRAY* EmptyCustomArray() { return SafeArrayCreateVector(VT_VARIANT, 0, 0); }
+
+double MillisecondsSince(const LARGE_INTEGER& start) {
+  LARGE_INTEGER now, frequency;
+  QueryPerformanceCounter(&now);
+  QueryPerformanceFrequency(&frequency);
+  return 1000.0 * static_cast<double>(now.QuadPart - start.QuadPart) / static_cast<double>(frequency.QuadPart);
+}
+
+// Office's start-up: connect every add-in, then tell them start-up is done.
+// An add-in whose OnConnection fails is not kept.
+void ConnectAddins(std::vector<LoadedAddin>& addins, SimApplication& application, SAFEARRAY* custom) {
+  for (auto it = addins.begin(); it != addins.end();) {
+    LARGE_INTEGER start;
+    QueryPerformanceCounter(&start);
+    // The connect mode Office passes when it loads an add-in at its own start-up.
+    const HRESULT hr = it->addin->OnConnection(&application, 3, nullptr, &custom);
+    std::printf("officesim: %s OnConnection returned 0x%08lX in %.3f ms\n", ToUtf8(it->progId).c_str(),
+                static_cast<unsigned long>(hr), MillisecondsSince(start));
+    if (FAILED(hr)) {
+      it->addin.reset();
+      FreeAddinModule(*it);
+      it = addins.erase(it);
+      continue;
+    }
+    ++it;
+  }
+  for (auto& loaded : addins) loaded.addin->OnStartupComplete(&custom);
+}
+
+// Office's exit: OnBeginShutdown, OnDisconnection(ext_dm_HostShutdown = 0),
+// release, and unload what may be unloaded.
+void DisconnectAddins(std::vector<LoadedAddin>& addins, SAFEARRAY* custom) {
+  for (auto& loaded : addins) loaded.addin->OnBeginShutdown(&custom);
+  for (auto& loaded : addins) {
+    LARGE_INTEGER start;
+    QueryPerformanceCounter(&start);
+    const HRESULT hr = loaded.addin->OnDisconnection(0, &custom);
+    std::printf("officesim: %s OnDisconnection returned 0x%08lX in %.3f ms\n", ToUtf8(loaded.progId).c_str(),
+                static_cast<unsigned long>(hr), MillisecondsSince(start));
+    loaded.addin.reset();
+    FreeAddinModule(loaded);
+  }
+  addins.clear();
+  CoFreeUnusedLibraries();
+}
+}  // namespace
+
+int wmain(int argc, wchar_t** argv) {
+  std::wstring scriptPath;
+  int cycles = 0;
+  for (int i = 1; i < argc; ++i) {
+    const std::wstring argument = argv[i];
+    if (argument == L"--script" && i + 1 < argc) {
+      scriptPath = argv[++i];
+    } else if (argument == L"--cycles" && i + 1 < argc) {
+      cycles = _wtoi(argv[++i]);
+    }
+  }
+  setvbuf(stdout, nullptr, _IONBF, 0);
+
+  wchar_t exePath[MAX_PATH];
+  GetModuleFileNameW(nullptr, exePath, MAX_PATH);
+  const SimHost host = HostFromExecutableName(exePath);
+  std::printf("officesim: playing %s (%s)\n", ToUtf8(OfficeRegistryName(host)).c_str(), ToUtf8(exePath).c_str());
+
+  CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED);
+  HWND mainWindow = CreateMainWindow(host);
+  auto* application = new SimApplication(host, mainWindow);
+  SAFEARRAY* custom = EmptyCustomArray();
+  int exitCode = 0;
+
+  if (cycles > 0) {
+    ResourceCounts afterFirst;
+    for (int cycle = 1; cycle <= cycles; ++cycle) {
+      std::vector<LoadedAddin> addins = CreateListedAddins(host);
+      ConnectAddins(addins, *application, custom);
+      PumpMessages(20);
+      DisconnectAddins(addins, custom);
+      PumpMessages(5);
+      if (cycle == 1) afterFirst = CurrentResourceCounts();
+    }
+    const ResourceCounts afterLast = CurrentResourceCounts();
+    std::printf("officesim: resources after cycle 1: %s\n", Describe(afterFirst).c_str());
+    std::printf("officesim: resources after cycle %d: %s\n", cycles, Describe(afterLast).c_str());
+  } else {
+    std::vector<LoadedAddin> addins = CreateListedAddins(host);
+    std::printf("officesim: %zu add-in(s) listed with LoadBehavior 3\n", addins.size());
+    ConnectAddins(addins, *application, custom);
+    bool scriptOk = true;
+    if (!scriptPath.empty()) {
+      scriptOk = RunHostScript(ReadScriptFile(scriptPath), *application);
+    } else {
+      PumpMessages(1000);
+    }
+    DisconnectAddins(addins, custom);
+    if (!scriptOk) exitCode = 2;
+  }
+
+  // Every reference the add-ins took on the application must be back.
+  std::printf("officesim: application references at exit = %ld\n", application->references());
+  application->Release();
+  SafeArrayDestroy(custom);
+  DestroyWindow(mainWindow);
+  CoUninitialize();
+  return exitCode;
+}

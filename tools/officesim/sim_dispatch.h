@@ -1,0 +1,55 @@
+#pragma once
+// A generic automation object for the simulated Office: members are named
+// handlers, resolved case-insensitively like Office's, and the object
+// counts its references so tests can prove the add-in released them all.
+#include <windows.h>
+#include <oaidl.h>
+
+#include <atomic>
+#include <functional>
+#include <string>
+#include <vector>
+
+class SimDispatch : public IDispatch {
+ public:
+  // Arguments in natural order (already un-reversed); `result` may be null.
+  // Return DISP_E_EXCEPTION (through Fail) to report a failing member.
+  using Handler = std::function<HRESULT(WORD flags, const std::vector<VARIANT*>& args, VARIANT* result)>;
+
+  explicit SimDispatch(std::wstring typeName);
+  virtual ~SimDispatch() = default;
+
+  void AddMember(const std::wstring& name, DISPID id, Handler handler);
+  // Interfaces answered besides IUnknown and IDispatch (the host's own
+  // dual interfaces, which the add-in only ever uses through IDispatch).
+  void AddInterface(const IID& iid) { interfaces_.push_back(iid); }
+
+  long references() const { return references_.load(); }
+  const std::wstring& typeName() const { return typeName_; }
+
+  HRESULT STDMETHODCALLTYPE QueryInterface(REFIID iid, void** object) override;
+  ULONG STDMETHODCALLTYPE AddRef() override;
+  ULONG STDMETHODCALLTYPE Release() override;
+  HRESULT STDMETHODCALLTYPE GetTypeInfoCount(UINT* count) override;
+  HRESULT STDMETHODCALLTYPE GetTypeInfo(UINT, LCID, ITypeInfo** info) override;
+  HRESULT STDMETHODCALLTYPE GetIDsOfNames(REFIID, LPOLESTR* names, UINT count, LCID, DISPID* ids) override;
+  HRESULT STDMETHODCALLTYPE Invoke(DISPID id, REFIID, LCID, WORD flags, DISPPARAMS* params, VARIANT* result,
+                                   EXCEPINFO* exception, UINT* badArgument) override;
+
+ private:
+  struct Member {
+    std::wstring name;
+    DISPID id;
+    Handler handler;
+  };
+  std::wstring typeName_;
+  std::vector<Member> members_;
+  std::vector<IID> interfaces_;
+  std::atomic<long> references_{1};
+};
+
+// Result helpers for handlers.
+HRESULT ReturnString(VARIANT* result, const std::wstring& text);
+HRESULT ReturnBool(VARIANT* result, bool value);
+HRESULT ReturnLong(VARIANT* result, long value);
+HRESULT ReturnObject(VARIANT* result, IDispatch* object);  // adds a reference for the caller
