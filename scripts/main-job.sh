@@ -1,0 +1,11 @@
+#!/usr/bin/env bash
+# The main job: builds the add-in, registers it for the current user in a
+# Wine prefix, starts the simulated Word, which loads it as Office does,
+# and shows the add-in's log and a screenshot of what the user sees.
+set -eu
+root="$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)"
+cd "$root"
+scripts/install-prerequisites.sh
+cmake --preset windows >/dev/null
+cmake --build --preset windows
+scripts/with-display.sh scripts/run-main-scenario.sh

@@ -1,0 +1,17 @@
+#!/usr/bin/env bash
+# Builds everything and runs every test: the native unit tests (sanitizers,
+# the bounded fuzz run) and the Windows tests under Wine + Xvfb.
+set -eu
+root="$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)"
+cd "$root"
+scripts/install-prerequisites.sh
+
+cmake --preset native >/dev/null
+cmake --build --preset native
+ctest --preset native
+
+cmake --preset windows >/dev/null
+cmake --build --preset windows
+# A fresh prefix per run: tests must not lean on what an earlier run left.
+rm -rf build/windows/wineprefix
+scripts/with-display.sh ctest --preset windows
