@@ -116,3 +116,57 @@ std::wstring WidenUtf8(const std::string& text) {
   MultiByteToWideChar(CP_UTF8, 0, text.data(), static_cast<int>(text.size()), wide.data(), length);
   return wide;
 }
+
+LogLine ParseLogLine(std::string line) {
+  LogLine parsed;
+  while (line.rfind("\xEF\xBB\xBF", 0) == 0) line.erase(0, 3);
+  // [YYYY-MM-DD HH:MM:SS.mmm] HOST_ pid=N L THREAD - message
+  const size_t stampEnd = line.find("] ");
+  if (line.empty() || line[0] != '[' || stampEnd == std::string::npos) return parsed;
+  parsed.stamp = line.substr(0, stampEnd + 1);
+  size_t position = stampEnd + 2;
+  if (line.size() < position + 5) return parsed;
+  parsed.host = line.substr(position, 5);
+  position += 5;
+  if (line.compare(position, 5, " pid=") != 0) return parsed;
+  position += 5;
+  const size_t pidEnd = line.find(' ', position);
+  if (pidEnd == std::string::npos) return parsed;
+  parsed.pid = line.substr(position, pidEnd - position);
+  position = pidEnd + 1;
+  if (line.size() < position + 2) return parsed;
+  parsed.level = line.substr(position, 1);
+  position += 2;
+  const size_t threadEnd = line.find(" - ", position);
+  if (threadEnd == std::string::npos) return parsed;
+  parsed.thread = line.substr(position, threadEnd - position);
+  parsed.message = line.substr(threadEnd + 3);
+  parsed.wellFormed = true;
+  return parsed;
+}
+
+std::vector<LogLine> ReadLog(const std::wstring& path) {
+  std::vector<LogLine> lines;
+  for (const std::string& line : ReadLines(path)) lines.push_back(ParseLogLine(line));
+  return lines;
+}
+
+std::vector<std::string> MessagesOfThread(const std::vector<LogLine>& lines, const std::string& thread) {
+  std::vector<std::string> messages;
+  for (const LogLine& line : lines) {
+    if (line.thread == thread) messages.push_back(line.message);
+  }
+  return messages;
+}
+
+testing::AssertionResult ContainsInOrder(const std::vector<std::string>& actual,
+                                         const std::vector<std::string>& expected) {
+  size_t next = 0;
+  for (const std::string& line : actual) {
+    if (next < expected.size() && line == expected[next]) ++next;
+  }
+  if (next == expected.size()) return testing::AssertionSuccess();
+  std::string all;
+  for (const std::string& line : actual) all += "\n  " + line;
+  return testing::AssertionFailure() << "missing, in order: \"" << expected[next] << "\"; the lines were:" << all;
+}

@@ -3,6 +3,8 @@
 // add-in's log, and child processes.
 #include <windows.h>
 
+#include <gtest/gtest.h>
+
 #include <string>
 #include <vector>
 
@@ -39,3 +41,18 @@ ProcessResult RunProcess(const std::wstring& commandLine, DWORD timeoutMs = 6000
 
 std::string Narrow(const std::wstring& text);
 std::wstring WidenUtf8(const std::string& text);
+
+// One log line taken apart: "[stamp] HOST pid=N L THREAD - message".
+struct LogLine {
+  std::string stamp, host, pid, level, thread, message;
+  bool wellFormed = false;
+};
+LogLine ParseLogLine(std::string line);  // leading byte-order marks are skipped
+std::vector<LogLine> ReadLog(const std::wstring& path);
+// Messages of the lines written by one thread, in order.
+std::vector<std::string> MessagesOfThread(const std::vector<LogLine>& lines, const std::string& thread);
+
+// True when `expected` appears in `actual` in this order (other lines may
+// stand between); otherwise names the first one missing.
+testing::AssertionResult ContainsInOrder(const std::vector<std::string>& actual,
+                                         const std::vector<std::string>& expected);
