@@ -15,8 +15,10 @@ if [ ! -f "$WINEPREFIX/system.reg" ]; then
   run wineboot -i >/dev/null 2>&1
   wineserver -w
 fi
-run reg add 'HKLM\Software\Microsoft\Windows NT\CurrentVersion\AeDebug' /v Debugger /t REG_SZ /d '' /f >/dev/null 2>&1
-run reg add 'HKLM\Software\Microsoft\Windows NT\CurrentVersion\AeDebug' /v Auto /t REG_SZ /d 0 /f >/dev/null 2>&1
+# A debugger that cannot start: Wine then ends the crashed process at once
+# instead of waiting for winedbg.
+run reg add 'HKLM\Software\Microsoft\Windows NT\CurrentVersion\AeDebug' /v Debugger /t REG_SZ /d 'false' /f >/dev/null 2>&1
+run reg add 'HKLM\Software\Microsoft\Windows NT\CurrentVersion\AeDebug' /v Auto /t REG_SZ /d 1 /f >/dev/null 2>&1
 run reg add 'HKCU\Software\Wine\WineDbg' /v ShowCrashDialog /t REG_DWORD /d 0 /f >/dev/null 2>&1
 
 appdata="$WINEPREFIX/drive_c/users/${USER:-$(id -un)}/AppData/Roaming"
