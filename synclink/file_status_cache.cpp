@@ -1,0 +1,85 @@
+#include "synclink/file_status_cache.h"
+
+#include "common/exception_barrier.h"
+#include "synclink/record_update.h"
+#include "synclink/request_message.h"
+
+FileStatusCache& TheFileStatusCache() {
+  static auto* cache = new FileStatusCache();  // outlives every thread that may still use it
+  return *cache;
+}
+
+int FileStatusCache::AddFile(const std::wstring& path, HWND hostWindow, std::uint32_t isEditing,
+                             IDispatch* wordDocument, IDispatch* excelWorkbook, IDispatch* powerPointPresentation) {
+  return Guarded(L"adding cache data", 0, [&] {
+    FileStatusRecord record;
+    record.hostWindow = hostWindow;
+    record.isEditing = isEditing;
+    record.wordDocument = ComPtr<IDispatch>(wordDocument);
+    record.excelWorkbook = ComPtr<IDispatch>(excelWorkbook);
+    record.powerPointPresentation = ComPtr<IDispatch>(powerPointPresentation);
+    {
+      std::lock_guard<std::recursive_mutex> lock(mapLock_);
+      records_[path] = std::move(record);
+    }
+    WriteLog(LogLevel::Info, L"file info stored in cache - " + path);
+    return 1;
+  });
+}
+
+bool FileStatusCache::Contains(const std::wstring& path) const {
+  std::lock_guard<std::recursive_mutex> lock(mapLock_);
+  return records_.count(path) != 0;
+}
+
+FileStatusRecord& FileStatusCache::Find(const std::wstring& path) {
+  std::lock_guard<std::recursive_mutex> lock(mapLock_);
+  return records_.at(path);
+}
+
+int FileStatusCache::RemoveFile(const std::wstring& path) {
+  return Guarded(L"removing cache data", 0, [&] {
+    size_t erased = 0;
+    {
+      std::lock_guard<std::recursive_mutex> lock(mapLock_);
+      erased = records_.erase(path);
+    }
+    if (erased != 0) {
+      WriteLog(LogLevel::Info, L"file info removed from cache - " + path);
+    } else {
+      WriteLog(LogLevel::Error, L"file info not available in cache - " + path);
+    }
+    return 1;
+  });
+}
+
+std::wstring FileStatusCache::BuildRequest(const std::wstring& onlyPath, std::uint32_t includeUiHide) {
+  return Guarded(L"getting all cache data", std::wstring(L"ERROR"), [&] {
+    std::wstring request = kRequestStart;
+    bool first = true;
+    std::lock_guard<std::recursive_mutex> lock(mapLock_);
+    for (const auto& [path, stored] : records_) {
+      if (!onlyPath.empty() && path != onlyPath) continue;
+      // A copy, so no member changes between two of its fragments.
+      const FileStatusRecord record = stored;
+      if (!first) request += L',';
+      first = false;
+      AppendRequestObject(request, path, record, includeUiHide != 0, OfficeApp);
+    }
+    request += kRequestEnd;
+    return request;
+  });
+}
+
+void FileStatusCache::UpdateFile(const std::wstring& path, HWND hostWindow, std::uint32_t isEditing,
+                                 const AnswerFields& answer) {
+  GuardedVoid(L"updating cache data", [&] {
+    FileStatusRecord working = Find(path);
+    ApplyAnswerToRecord(working, hostWindow, isEditing, answer);
+    {
+      std::lock_guard<std::recursive_mutex> lock(mapLock_);
+      records_[path] = std::move(working);  // the whole record in one step
+    }
+    WriteLog(LogLevel::Debug, L"windows cache updated");
+  });
+}

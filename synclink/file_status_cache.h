@@ -1,0 +1,49 @@
+#pragma once
+// The process-wide map from a document's full path (exactly as the host
+// gives it, case-sensitive) to its record.
+#include <map>
+#include <mutex>
+#include <string>
+
+#include "synclink/file_status_record.h"
+
+class FileStatusCache {
+ public:
+  // False after an exchange whose answer held no file object: the overlay
+  // then draws nothing.
+  bool syncAppHasData = true;
+
+  // Stores a fresh record with the defaults (taking a reference on each
+  // non-null document) and logs it. 1, or 0 when an exception was caught.
+  int AddFile(const std::wstring& path, HWND hostWindow, std::uint32_t isEditing, IDispatch* wordDocument,
+              IDispatch* excelWorkbook, IDispatch* powerPointPresentation);
+  bool Contains(const std::wstring& path) const;
+  // The record under the path; callers check Contains first. References
+  // stay valid while other records come and go.
+  FileStatusRecord& Find(const std::wstring& path);
+  // Erases the record; an unknown path is logged. 1, or 0 on an exception.
+  int RemoveFile(const std::wstring& path);
+  // Destroys every record's overlay windows, sends the sync app a last
+  // request for all files and empties the cache (at disconnection).
+  int RemoveAll();
+
+  // The request text for all records (empty onlyPath) or for one; "ERROR"
+  // when it could not be built.
+  std::wstring BuildRequest(const std::wstring& onlyPath, std::uint32_t includeUiHide);
+
+  // Writes one answer object into the record under `path` (copy, edit,
+  // write back whole), clearing overlayUpToDate on every change.
+  void UpdateFile(const std::wstring& path, HWND hostWindow, std::uint32_t isEditing, const AnswerFields& answer);
+
+  // For tests and the overlay: the records in key order.
+  const std::map<std::wstring, FileStatusRecord>& records() const { return records_; }
+
+ private:
+  std::map<std::wstring, FileStatusRecord> records_;
+  // Orders insertions, erasures and whole-record write-backs between the UI
+  // thread and the update thread inside this process.
+  mutable std::recursive_mutex mapLock_;
+};
+
+// The one cache of the process; created on first use, never destroyed.
+FileStatusCache& TheFileStatusCache();

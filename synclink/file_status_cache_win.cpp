@@ -1,0 +1,35 @@
+// The cache's last act at disconnection, which needs windows and the pipe.
+#include <windows.h>
+
+#include "common/exception_barrier.h"
+#include "synclink/cache_shutdown.h"
+#include "synclink/file_status_cache.h"
+#include "synclink/sync_app_pipe.h"
+
+namespace {
+void HideAndDestroy(HWND& window) {
+  if (window == nullptr) return;
+  ShowWindow(window, SW_HIDE);
+  DestroyWindow(window);
+  window = nullptr;
+}
+}  // namespace
+
+int FileStatusCache::RemoveAll() {
+  return Guarded(L"removing all cache data", 0, [&] {
+    std::lock_guard<std::recursive_mutex> lock(mapLock_);
+    for (auto& [path, record] : records_) {
+      HideAndDestroy(record.subOverlayWindow);
+      HideAndDestroy(record.badgeWindow);
+      WriteLog(LogLevel::Info, L"file info removed from cache - " + path);
+    }
+    // The sync app learns of every file one last time; its answer no
+    // longer matters.
+    TheSyncAppPipe().Exchange(BuildRequest(L"", 0));
+    records_.clear();
+    WriteLog(LogLevel::Info, L"all file info removed from cache");
+    return 1;
+  });
+}
+
+void EmptyCacheAtDisconnection() { TheFileStatusCache().RemoveAll(); }

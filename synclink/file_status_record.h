@@ -1,0 +1,99 @@
+#pragma once
+// One open document's state: what the sync app last said about the file,
+// and the add-in's own state for it (open, unsaved, the user's choices,
+// its overlay windows).
+#include <cstdint>
+#include <map>
+#include <string>
+
+#include "common/com_ptr.h"
+#include "common/platform_types.h"
+
+// downloadState values.
+enum DownloadState : std::int32_t {
+  kDownloading = 0,
+  kDownloaded = 1,
+  kAlreadyUpToDate = 2,
+  kDownloadFailed = 3,
+};
+
+struct FileStatusRecord {
+  HWND hostWindow = nullptr;
+  std::uint32_t isEditing = 0;
+  // Owned references: copying a record copies them, destroying releases.
+  ComPtr<IDispatch> wordDocument;
+  ComPtr<IDispatch> excelWorkbook;
+  ComPtr<IDispatch> powerPointPresentation;
+  std::uint32_t is_sync_file = 0;
+  std::wstring file_combo_id;
+  std::uint32_t is_internet_connected = 1;
+  std::uint32_t is_loading_data_from_server = 1;
+  std::wstring last_modified_by_quid;
+  std::wstring last_modified_by;
+  std::wstring last_modified_time;
+  std::int32_t downloadState = kAlreadyUpToDate;
+  std::uint32_t downloadRequested = 0;
+  std::uint32_t reloadPromptPlain = 0;
+  std::uint32_t reloadPromptAskSave = 0;
+  std::uint32_t retryModify = 0;
+  std::uint32_t saveSeparateCopy = 0;
+  std::uint32_t is_rename_present = 0;
+  std::uint32_t is_move_present = 0;
+  std::uint32_t is_folder_move_present = 0;
+  std::wstring src;
+  std::wstring dest;
+  std::uint32_t renameMoveClicked = 0;
+  std::uint32_t renameMoveAskShown = 0;
+  std::uint32_t retryRenameOrMove = 0;
+  std::uint32_t is_delete_present = 0;
+  std::uint32_t retryDelete = 0;
+  std::uint32_t is_conflict_present = 0;
+  std::uint32_t resolveConflictClicked = 0;
+  std::uint32_t conflictAskShown = 0;
+  std::uint32_t resolveConflict = 0;
+  std::uint32_t skipNextUpdate = 0;
+  std::uint32_t uiHide = 0;
+  HWND badgeWindow = nullptr;
+  HWND subOverlayWindow = nullptr;
+  std::int32_t posX = 0;
+  std::int32_t posY = 0;
+  std::int32_t pressX = 0;
+  std::int32_t pressY = 0;
+  std::uint32_t buttonDown = 0;
+  std::uint32_t dragged = 0;
+  std::wstring all_viewers_quid;
+  std::wstring all_viewers_names;
+  std::wstring all_editors_quid;
+  std::wstring all_editors_names;
+  std::map<std::wstring, std::wstring> editorsByQuid;
+  std::map<std::wstring, std::wstring> viewersByQuid;
+  std::int32_t overlayKind = 0;
+  std::uint32_t overlayUpToDate = 0;
+  std::uint32_t isOpen = 1;
+  std::wstring seenStamp;
+};
+
+// What one answer object says about a file, with the defaults that a
+// missing member writes into the record.
+struct AnswerFields {
+  std::wstring file_path;
+  std::uint32_t is_sync_file = 0;
+  std::wstring file_combo_id;
+  std::uint32_t is_internet_connected = 1;
+  std::uint32_t is_loading_data_from_server = 1;
+  std::wstring last_modified_by_quid;
+  std::wstring last_modified_by;
+  std::wstring last_modified_time;
+  std::wstring is_download_present;
+  std::uint32_t is_conflict_present = 0;
+  std::uint32_t is_rename_present = 0;
+  std::uint32_t is_move_present = 0;
+  std::uint32_t is_folder_move_present = 0;
+  std::wstring src;
+  std::wstring dest;
+  std::uint32_t is_delete_present = 0;
+  std::wstring all_viewers_quid;
+  std::wstring all_viewers_names;
+  std::wstring all_editors_quid;
+  std::wstring all_editors_names;
+};

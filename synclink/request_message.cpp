@@ -1,0 +1,28 @@
+#include "synclink/request_message.h"
+
+namespace {
+void AppendFlag(std::wstring& out, const wchar_t* key, std::uint32_t value) {
+  out += L'"';
+  out += key;
+  out += value != 0 ? L"\":true," : L"\":false,";
+}
+}  // namespace
+
+void AppendRequestObject(std::wstring& out, const std::wstring& path, const FileStatusRecord& record,
+                         bool includeUiHide, OfficeHost host) {
+  out += L"{\"filepath\":\"";
+  out += path;
+  out += L"\",";
+  AppendFlag(out, L"isOpen", record.isOpen);
+  AppendFlag(out, L"isEditing", record.isEditing);
+  AppendFlag(out, L"resolveConflict", record.resolveConflict);
+  AppendFlag(out, L"retryModify", record.retryModify);
+  AppendFlag(out, L"retryRenameOrMove", record.retryRenameOrMove);
+  AppendFlag(out, L"retryDelete", record.retryDelete);
+  if (includeUiHide) AppendFlag(out, L"uiHide", record.uiHide);
+  out += L"\"file_combo_id\":\"";
+  out += record.file_combo_id;
+  out += L"\",\"officeApp\":\"";
+  out += std::to_wstring(static_cast<unsigned>(host));
+  out += L"\"}";
+}
