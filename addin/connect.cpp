@@ -77,8 +77,15 @@ HRESULT CConnect::Create(REFIID iid, void** object) {
 CConnect::CConnect() { ModuleAddRef(); }
 
 CConnect::~CConnect() {
-  // Disconnection leaves these alone (the thread may still be winding
-  // down); the object's end is where they are given back.
+  // Office releases an add-in whose connection failed without
+  // disconnecting it; its thread and timer must not outlive the object,
+  // or they would run on in a DLL that may be unloaded next.
+  if (partsRunning_) {
+    if (EventUpdateThreadHandle) StopEventUpdateThread(EventUpdateThreadHandle.get());
+    if (CustomUiTimerId != 0) KillTimer(nullptr, CustomUiTimerId);
+  }
+  // Disconnection leaves the thread handle alone; the object's end is
+  // where it is given back.
   EventUpdateThreadHandle.reset();
   ModuleRelease();
 }
@@ -223,6 +230,7 @@ HRESULT CConnect::ConnectToHost(IDispatch* application, HRESULT& result) {
 }
 
 void CConnect::StartRunningParts() {
+  partsRunning_ = true;
   ImmediateUpdateEvent.reset(CreateEventW(nullptr, TRUE, FALSE, L"immediatelyUpdateEvent"));
   if (!ImmediateUpdateEvent) LogLastError(L"couldn't create ms office immediately update event");
 
@@ -289,6 +297,7 @@ void CConnect::DisconnectFromHost() {
 }
 
 void CConnect::StopRunningParts() {
+  partsRunning_ = false;
   if (VectoredHandlerHandle != nullptr) {
     if (RemoveVectoredExceptionHandler(VectoredHandlerHandle) == 0) {
       LogLastError(L"couldn't remove VEH");

@@ -52,4 +52,7 @@ class CConnect final : public IConnect, public _IDTExtensibility2 {
   HostEventSinks sinks_;
   UniqueHandle EventUpdateThreadHandle;
   UINT_PTR CustomUiTimerId = 0;
+  // Set once the running parts were started and not yet stopped: a host
+  // that drops us after a failed connection never calls OnDisconnection.
+  bool partsRunning_ = false;
 };

@@ -7,6 +7,7 @@
 #include <sstream>
 
 #include "common/text.h"
+#include "tools/officesim/sim_document.h"
 
 void PumpMessages(unsigned long milliseconds) {
   const ULONGLONG end = GetTickCount64() + milliseconds;
@@ -37,8 +38,31 @@ std::vector<std::wstring> ReadScriptFile(const std::wstring& path) {
   return lines;
 }
 
-bool RunHostScript(const std::vector<std::wstring>& lines, SimApplication&) {
+namespace {
+std::wstring RestOfLine(std::wistringstream& words) {
+  std::wstring rest;
+  std::getline(words, rest);
+  const size_t first = rest.find_first_not_of(L" \t");
+  return first == std::wstring::npos ? std::wstring() : rest.substr(first);
+}
+
+bool Fail(const std::wstring& line, const char* why) {
+  std::printf("officesim: script line failed (%s): %s\n", why, ToUtf8(line).c_str());
+  return false;
+}
+
+void WriteSmallFile(const std::wstring& path) {
+  HANDLE file = CreateFileW(path.c_str(), GENERIC_WRITE, 0, nullptr, CREATE_ALWAYS, FILE_ATTRIBUTE_NORMAL, nullptr);
+  if (file == INVALID_HANDLE_VALUE) return;
+  DWORD written = 0;
+  WriteFile(file, "content\n", 8, &written, nullptr);
+  CloseHandle(file);
+}
+}  // namespace
+
+bool RunHostScript(const std::vector<std::wstring>& lines, SimApplication& application) {
   for (const std::wstring& line : lines) {
+    if (application.quitRequested()) return true;
     std::wistringstream words(line);
     std::wstring command;
     if (!(words >> command) || command[0] == L'#') continue;
@@ -46,9 +70,41 @@ bool RunHostScript(const std::vector<std::wstring>& lines, SimApplication&) {
       unsigned long milliseconds = 0;
       words >> milliseconds;
       PumpMessages(milliseconds);
+    } else if (command == L"open" || command == L"open-readonly") {
+      if (!application.OpenDocument(RestOfLine(words), command == L"open-readonly")) return Fail(line, "no such file");
+    } else if (command == L"new") {
+      application.NewDocument();
+    } else if (command == L"prompt-answer") {
+      const std::wstring answer = RestOfLine(words);
+      application.SetPromptAnswer(answer == L"save"      ? SimApplication::PromptAnswer::Save
+                                  : answer == L"discard" ? SimApplication::PromptAnswer::Discard
+                                                         : SimApplication::PromptAnswer::Cancel);
+    } else if (command == L"report") {
+      application.PrintReferences();
+    } else if (command == L"open-close-many") {
+      std::wstring folder;
+      int count = 0;
+      words >> folder >> count;
+      for (int i = 0; i < count; ++i) {
+        const std::wstring path = folder + L"\\many" + std::to_wstring(i) + L".docx";
+        WriteSmallFile(path);
+        SimDocument* document = application.OpenDocument(path, false);
+        if (document == nullptr) return Fail(line, "open failed");
+        PumpMessages(1);
+        application.CloseDocument(document, SimApplication::SaveChoice::Prompt);
+      }
     } else {
-      std::printf("officesim: unknown script command: %s\n", ToUtf8(line).c_str());
-      return false;
+      SimDocument* document = application.FindDocument(RestOfLine(words));
+      if (command != L"activate" && command != L"type" && command != L"save" && command != L"fail-saves" &&
+          command != L"close") {
+        return Fail(line, "unknown command");
+      }
+      if (document == nullptr) return Fail(line, "no such document");
+      if (command == L"activate") application.ActivateDocument(document);
+      if (command == L"type") document->MarkEdited();
+      if (command == L"save" && !document->Save()) std::printf("officesim: the save did not happen\n");
+      if (command == L"fail-saves") document->SetFailingSaves(true);
+      if (command == L"close") application.CloseDocument(document, SimApplication::SaveChoice::Prompt);
     }
   }
   return true;

@@ -11,8 +11,21 @@
 void PumpMessages(unsigned long milliseconds);
 
 // Runs the commands; returns false (after printing why) on an unknown or
-// failing command. Commands:
-//   wait <ms>        let the host run for a while
-//   # ...            a comment
+// failing command. Documents are named by Name or FullName. Commands:
+//   wait <ms>                  let the host run for a while
+//   open <path>                open an existing file (open and activate events)
+//   open-readonly <path>       the same, read-only: saves fail
+//   new                        a new, never-saved document
+//   activate <doc>             activate its window
+//   type <doc>                 edit it: it has unsaved changes
+//   save <doc>                 save it
+//   fail-saves <doc>           from now on its saves fail
+//   prompt-answer save|discard|cancel
+//                              what the user answers when asked to save
+//   close <doc>                the user closes it
+//   open-close-many <folder> <count>
+//                              opens and closes that many files in turn
+//   report                     print the references add-ins hold on documents
+//   # ...                      a comment
 bool RunHostScript(const std::vector<std::wstring>& lines, SimApplication& application);
 std::vector<std::wstring> ReadScriptFile(const std::wstring& path);

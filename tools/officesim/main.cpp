@@ -147,6 +147,9 @@ int wmain(int argc, wchar_t** argv) {
     if (!scriptOk) exitCode = 2;
   }
 
+  application->ReleaseDocumentsAtExit();
+  application->PrintReferences();
+
   // Every reference the add-ins took on the application must be back.
   std::printf("officesim: application references at exit = %ld\n", application->references());
   application->Release();
