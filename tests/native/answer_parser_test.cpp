@@ -1,0 +1,117 @@
+#include <gtest/gtest.h>
+
+#include "synclink/answer_parser.h"
+#include "tests/native/captured_log.h"
+
+namespace {
+class ParseAnswerTest : public testing::Test {
+ protected:
+  void SetUp() override { ClearCapturedLog(); }
+};
+}  // namespace
+
+TEST_F(ParseAnswerTest, ReadsTheDocumentedExample) {
+  const auto objects = ParseAnswer(
+      L"{\"resp\":[{\"file_path\":\"C:\\Users\\ann\\Filewell\\report.docx\",\"is_sync_file\":\"true\","
+      L"\"file_combo_id\":\"k3v9x\",\"is_internet_connected\":\"true\",\"is_loading_data_from_server\":\"false\","
+      L"\"is_download_present\":\"Already Up-to-date\"}]}");
+  ASSERT_EQ(objects.size(), 1u);
+  EXPECT_EQ(objects[0], (AnswerObject{{L"file_path", L"C:\\Users\\ann\\Filewell\\report.docx"},
+                                      {L"is_sync_file", L"true"},
+                                      {L"file_combo_id", L"k3v9x"},
+                                      {L"is_internet_connected", L"true"},
+                                      {L"is_loading_data_from_server", L"false"},
+                                      {L"is_download_present", L"Already Up-to-date"}}));
+}
+
+TEST_F(ParseAnswerTest, ReadsSeveralObjectsInOrder) {
+  const auto objects = ParseAnswer(L"{\"resp\":[{\"file_path\":\"a\"},{\"file_path\":\"b\"},{\"file_path\":\"c\"}]}");
+  ASSERT_EQ(objects.size(), 3u);
+  EXPECT_EQ(objects[0].at(L"file_path"), L"a");
+  EXPECT_EQ(objects[1].at(L"file_path"), L"b");
+  EXPECT_EQ(objects[2].at(L"file_path"), L"c");
+}
+
+TEST_F(ParseAnswerTest, GivesNothingForAnEmptyListAndSaysSo) {
+  EXPECT_TRUE(ParseAnswer(L"{\"resp\":[]}").empty());
+  EXPECT_EQ(CapturedMessages(),
+            (std::vector<std::wstring>{L"No data mismatch while converting into json", L"converted into json"}));
+  for (const auto& line : CapturedLog()) EXPECT_EQ(line.level, LogLevel::Debug);
+}
+
+TEST_F(ParseAnswerTest, RejectsErrorAsADataMismatch) {
+  EXPECT_TRUE(ParseAnswer(L"ERROR").empty());
+  EXPECT_EQ(CapturedMessages(), (std::vector<std::wstring>{L"Data mismatch while converting into json"}));
+}
+
+TEST_F(ParseAnswerTest, RejectsALeadingBlankBeforeTheBrace) {
+  EXPECT_TRUE(ParseAnswer(L" {\"resp\":[{\"file_path\":\"a\"}]}").empty());
+  EXPECT_EQ(CapturedMessages(), (std::vector<std::wstring>{L"Data mismatch while converting into json"}));
+}
+
+TEST_F(ParseAnswerTest, RejectsAnEmptyTextAndATrailingBlankAndAnotherFrame) {
+  EXPECT_TRUE(ParseAnswer(L"").empty());
+  EXPECT_TRUE(ParseAnswer(L"{\"resp\":[{\"file_path\":\"a\"}]} ").empty());
+  EXPECT_TRUE(ParseAnswer(L"{\"files\":[{\"file_path\":\"a\"}]}").empty());
+}
+
+TEST_F(ParseAnswerTest, DoesNotReadAnUnquotedBooleanAsTrue) {
+  const auto objects = ParseAnswer(L"{\"resp\":[{\"is_sync_file\":true,\"file_path\":\"a\"}]}");
+  ASSERT_EQ(objects.size(), 1u);
+  // The value runs from the next quote to the next quote-comma or quote-brace.
+  EXPECT_NE(objects[0].at(L"is_sync_file"), L"true");
+  EXPECT_EQ(ParseFlag(objects[0].at(L"is_sync_file")), 0u);
+}
+
+TEST_F(ParseAnswerTest, KeepsTheLaterValueOfARepeatedKey) {
+  const auto objects = ParseAnswer(L"{\"resp\":[{\"src\":\"one\",\"src\":\"two\"}]}");
+  ASSERT_EQ(objects.size(), 1u);
+  EXPECT_EQ(objects[0].at(L"src"), L"two");
+}
+
+TEST_F(ParseAnswerTest, KeepsBackslashesAsTheyStand) {
+  const auto objects = ParseAnswer(L"{\"resp\":[{\"file_path\":\"C:\\\\x\\n\"}]}");
+  ASSERT_EQ(objects.size(), 1u);
+  EXPECT_EQ(objects[0].at(L"file_path"), L"C:\\\\x\\n");
+}
+
+TEST_F(ParseAnswerTest, CutsAnObjectShortAtABraceInsideAValue) {
+  const auto objects = ParseAnswer(L"{\"resp\":[{\"file_path\":\"a}b\",\"src\":\"x\"}]}");
+  ASSERT_FALSE(objects.empty());
+  EXPECT_EQ(objects[0].count(L"src"), 0u);
+}
+
+TEST_F(ParseAnswerTest, LosesTheMembersAfterABrokenPairing) {
+  // A blank between the key's quote and the colon breaks the pairing.
+  const auto objects = ParseAnswer(L"{\"resp\":[{\"file_path\":\"a\",\"src\" :\"x\",\"dest\":\"y\"}]}");
+  ASSERT_EQ(objects.size(), 1u);
+  EXPECT_EQ(objects[0].at(L"file_path"), L"a");
+  EXPECT_EQ(objects[0].count(L"src"), 0u);
+}
+
+TEST_F(ParseAnswerTest, KeepsUnknownKeys) {
+  const auto objects = ParseAnswer(L"{\"resp\":[{\"file_path\":\"a\",\"future_key\":\"z\"}]}");
+  ASSERT_EQ(objects.size(), 1u);
+  EXPECT_EQ(objects[0].at(L"future_key"), L"z");
+}
+
+TEST_F(ParseAnswerTest, TracesKeysAndValuesAtDebugLevel) {
+  ParseAnswer(L"{\"resp\":[{\"file_path\":\"a\"}]}");
+  EXPECT_EQ(CapturedMessages(),
+            (std::vector<std::wstring>{L"No data mismatch while converting into json", L"{\"file_path\":\"a\"}",
+                                       L"file_path", L"a", L"converted into json"}));
+}
+
+TEST(ParseFlag, TakesTrueInAnyLetterCase) {
+  EXPECT_EQ(ParseFlag(L"true"), 1u);
+  EXPECT_EQ(ParseFlag(L"True"), 1u);
+  EXPECT_EQ(ParseFlag(L"TRUE"), 1u);
+}
+
+TEST(ParseFlag, TakesNothingElseAsTrue) {
+  EXPECT_EQ(ParseFlag(L"1"), 0u);
+  EXPECT_EQ(ParseFlag(L"yes"), 0u);
+  EXPECT_EQ(ParseFlag(L""), 0u);
+  EXPECT_EQ(ParseFlag(L" true"), 0u);
+  EXPECT_EQ(ParseFlag(L"false"), 0u);
+}

@@ -1,0 +1,96 @@
+#include <gtest/gtest.h>
+
+#include "synclink/file_status_cache.h"
+#include "tests/native/captured_log.h"
+#include "tests/native/counting_dispatch.h"
+
+namespace {
+class Cache : public testing::Test {
+ protected:
+  void SetUp() override { ClearCapturedLog(); }
+  FileStatusCache cache;
+};
+}  // namespace
+
+TEST_F(Cache, StoresANewFileWithLoadingDefaultsAndLogsIt) {
+  HWND window = reinterpret_cast<HWND>(0x1234);
+  EXPECT_EQ(cache.AddFile(L"C:\\a.docx", window, 1, nullptr, nullptr, nullptr), 1);
+  ASSERT_TRUE(cache.Contains(L"C:\\a.docx"));
+  const FileStatusRecord& record = cache.Find(L"C:\\a.docx");
+  EXPECT_EQ(record.hostWindow, window);
+  EXPECT_EQ(record.isEditing, 1u);
+  EXPECT_EQ(record.is_sync_file, 0u);
+  EXPECT_EQ(record.is_internet_connected, 1u);
+  EXPECT_EQ(record.is_loading_data_from_server, 1u);
+  EXPECT_EQ(record.downloadState, 2);
+  EXPECT_EQ(record.isOpen, 1u);
+  EXPECT_EQ(record.overlayKind, 0);
+  EXPECT_EQ(record.overlayUpToDate, 0u);
+  EXPECT_EQ(record.badgeWindow, nullptr);
+  EXPECT_EQ(CapturedLog(), (std::vector<CapturedLine>{{LogLevel::Info, L"file info stored in cache - C:\\a.docx"}}));
+}
+
+TEST_F(Cache, KeepsTwoPathsThatDifferOnlyInCaseApart) {
+  cache.AddFile(L"C:\\Report.docx", nullptr, 0, nullptr, nullptr, nullptr);
+  cache.AddFile(L"C:\\report.docx", nullptr, 1, nullptr, nullptr, nullptr);
+  EXPECT_EQ(cache.records().size(), 2u);
+  EXPECT_EQ(cache.Find(L"C:\\Report.docx").isEditing, 0u);
+  EXPECT_EQ(cache.Find(L"C:\\report.docx").isEditing, 1u);
+}
+
+TEST_F(Cache, RemovingAnUnknownPathLogsAnErrorAndSucceeds) {
+  EXPECT_EQ(cache.RemoveFile(L"C:\\nope.docx"), 1);
+  EXPECT_EQ(CapturedLog(),
+            (std::vector<CapturedLine>{{LogLevel::Error, L"file info not available in cache - C:\\nope.docx"}}));
+}
+
+TEST_F(Cache, RemovingAKnownPathLogsIt) {
+  cache.AddFile(L"C:\\a.docx", nullptr, 0, nullptr, nullptr, nullptr);
+  ClearCapturedLog();
+  EXPECT_EQ(cache.RemoveFile(L"C:\\a.docx"), 1);
+  EXPECT_FALSE(cache.Contains(L"C:\\a.docx"));
+  EXPECT_EQ(CapturedLog(), (std::vector<CapturedLine>{{LogLevel::Info, L"file info removed from cache - C:\\a.docx"}}));
+}
+
+TEST_F(Cache, HoldsOneReferenceOnTheDocumentAndGivesItBackOnRemoval) {
+  CountingDispatch document;
+  cache.AddFile(L"C:\\a.docx", nullptr, 0, &document, nullptr, nullptr);
+  EXPECT_EQ(document.references, 2);
+  {
+    const FileStatusRecord copy = cache.Find(L"C:\\a.docx");
+    EXPECT_EQ(document.references, 3);
+  }
+  EXPECT_EQ(document.references, 2);
+  cache.RemoveFile(L"C:\\a.docx");
+  EXPECT_EQ(document.references, 1);
+}
+
+TEST_F(Cache, KeepsTheReferenceBalancedAcrossUpdatesAndRequests) {
+  CountingDispatch workbook;
+  cache.AddFile(L"C:\\a.xlsx", nullptr, 0, nullptr, &workbook, nullptr);
+  AnswerFields answer;
+  answer.file_path = L"C:\\a.xlsx";
+  answer.is_sync_file = 1;
+  cache.UpdateFile(L"C:\\a.xlsx", nullptr, 0, answer);
+  cache.BuildRequest(L"", 0);
+  EXPECT_EQ(workbook.references, 2);
+  cache.RemoveFile(L"C:\\a.xlsx");
+  EXPECT_EQ(workbook.references, 1);
+}
+
+TEST_F(Cache, KeepsRecordReferencesValidWhileOthersAreAdded) {
+  cache.AddFile(L"C:\\m.docx", nullptr, 0, nullptr, nullptr, nullptr);
+  FileStatusRecord& record = cache.Find(L"C:\\m.docx");
+  for (int i = 0; i < 100; ++i) cache.AddFile(L"C:\\" + std::to_wstring(i), nullptr, 0, nullptr, nullptr, nullptr);
+  record.uiHide = 1;
+  EXPECT_EQ(cache.Find(L"C:\\m.docx").uiHide, 1u);
+}
+
+TEST_F(Cache, UpdatingAFileThatIsNotThereLogsAndChangesNothing) {
+  AnswerFields answer;
+  cache.UpdateFile(L"C:\\gone.docx", nullptr, 0, answer);
+  EXPECT_FALSE(cache.Contains(L"C:\\gone.docx"));
+  ASSERT_FALSE(CapturedLog().empty());
+  EXPECT_EQ(CapturedLog()[0].level, LogLevel::Error);
+  EXPECT_EQ(CapturedLog()[0].message.rfind(L"std exception occurred while updating cache data - ", 0), 0u);
+}

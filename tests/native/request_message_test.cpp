@@ -1,0 +1,77 @@
+#include <gtest/gtest.h>
+
+#include "common/office_app.h"
+#include "synclink/file_status_cache.h"
+#include "tests/native/captured_log.h"
+
+namespace {
+class RequestMessage : public testing::Test {
+ protected:
+  void SetUp() override {
+    OfficeApp = OfficeHost::Word;
+    ClearCapturedLog();
+  }
+  FileStatusCache cache;
+};
+}  // namespace
+
+TEST_F(RequestMessage, OfAnEmptyCacheIsAnEmptyFileList) {
+  EXPECT_EQ(cache.BuildRequest(L"", 0), L"{\"files\":[]}");
+}
+
+TEST_F(RequestMessage, ForAPathNotInTheCacheIsAnEmptyFileList) {
+  cache.AddFile(L"C:\\a.docx", nullptr, 0, nullptr, nullptr, nullptr);
+  EXPECT_EQ(cache.BuildRequest(L"C:\\b.docx", 0), L"{\"files\":[]}");
+}
+
+TEST_F(RequestMessage, DescribesAnOpenEditedWordFileExactly) {
+  cache.AddFile(L"C:\\Users\\ann\\Filewell\\report.docx", nullptr, 1, nullptr, nullptr, nullptr);
+  EXPECT_EQ(cache.BuildRequest(L"", 0),
+            L"{\"files\":[{\"filepath\":\"C:\\Users\\ann\\Filewell\\report.docx\",\"isOpen\":true,\"isEditing\":true,"
+            L"\"resolveConflict\":false,\"retryModify\":false,\"retryRenameOrMove\":false,\"retryDelete\":false,"
+            L"\"file_combo_id\":\"\",\"officeApp\":\"1\"}]}");
+}
+
+TEST_F(RequestMessage, SeparatesTwoFilesWithOneCommaInKeyOrder) {
+  cache.AddFile(L"C:\\b.xlsx", nullptr, 0, nullptr, nullptr, nullptr);
+  cache.AddFile(L"C:\\a.xlsx", nullptr, 0, nullptr, nullptr, nullptr);
+  OfficeApp = OfficeHost::Excel;
+  const std::wstring request = cache.BuildRequest(L"", 0);
+  EXPECT_EQ(request,
+            L"{\"files\":[{\"filepath\":\"C:\\a.xlsx\",\"isOpen\":true,\"isEditing\":false,\"resolveConflict\":false,"
+            L"\"retryModify\":false,\"retryRenameOrMove\":false,\"retryDelete\":false,\"file_combo_id\":\"\","
+            L"\"officeApp\":\"2\"},{\"filepath\":\"C:\\b.xlsx\",\"isOpen\":true,\"isEditing\":false,"
+            L"\"resolveConflict\":false,\"retryModify\":false,\"retryRenameOrMove\":false,\"retryDelete\":false,"
+            L"\"file_combo_id\":\"\",\"officeApp\":\"2\"}]}");
+}
+
+TEST_F(RequestMessage, SendsAQuoteInAPathUnescaped) {
+  cache.AddFile(L"C:\\say \"hi\".pptx", nullptr, 0, nullptr, nullptr, nullptr);
+  OfficeApp = OfficeHost::PowerPoint;
+  EXPECT_EQ(cache.BuildRequest(L"", 0).substr(0, 41), L"{\"files\":[{\"filepath\":\"C:\\say \"hi\".pptx\",");
+}
+
+TEST_F(RequestMessage, CarriesUiHideOnlyWhenAskedBetweenRetryDeleteAndTheId) {
+  cache.AddFile(L"C:\\a.docx", nullptr, 0, nullptr, nullptr, nullptr);
+  cache.Find(L"C:\\a.docx").uiHide = 1;
+  cache.Find(L"C:\\a.docx").retryDelete = 1;
+  cache.Find(L"C:\\a.docx").file_combo_id = L"k3v9x";
+  EXPECT_EQ(cache.BuildRequest(L"C:\\a.docx", 0).find(L"uiHide"), std::wstring::npos);
+  EXPECT_EQ(cache.BuildRequest(L"C:\\a.docx", 1),
+            L"{\"files\":[{\"filepath\":\"C:\\a.docx\",\"isOpen\":true,\"isEditing\":false,\"resolveConflict\":false,"
+            L"\"retryModify\":false,\"retryRenameOrMove\":false,\"retryDelete\":true,\"uiHide\":true,"
+            L"\"file_combo_id\":\"k3v9x\",\"officeApp\":\"1\"}]}");
+}
+
+TEST_F(RequestMessage, WritesEveryChoiceFlagTheUserMade) {
+  cache.AddFile(L"C:\\a.docx", nullptr, 0, nullptr, nullptr, nullptr);
+  FileStatusRecord& record = cache.Find(L"C:\\a.docx");
+  record.isOpen = 0;
+  record.resolveConflict = 1;
+  record.retryModify = 1;
+  record.retryRenameOrMove = 1;
+  EXPECT_EQ(cache.BuildRequest(L"", 0),
+            L"{\"files\":[{\"filepath\":\"C:\\a.docx\",\"isOpen\":false,\"isEditing\":false,\"resolveConflict\":true,"
+            L"\"retryModify\":true,\"retryRenameOrMove\":true,\"retryDelete\":false,\"file_combo_id\":\"\","
+            L"\"officeApp\":\"1\"}]}");
+}
