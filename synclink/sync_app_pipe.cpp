@@ -101,8 +101,9 @@ bool SyncAppPipe::ReadAnswer(std::wstring& answer) {
     WriteLog(LogLevel::Debug, L"read msg" + std::to_wstring(bytesRead_));
     const wchar_t* text = readBuffer_;
     if (firstChunk) {
-      // The first unit of every answer is not part of the text.
-      if (readBuffer_[0] != L'\0') ++text;
+      // The first unit of every answer is not part of the text, whatever it
+      // holds (the sync app writes U+FEFF there).
+      ++text;
       firstChunk = false;
     }
     answer += text;  // up to the first NUL; the spare unit ends a full chunk
