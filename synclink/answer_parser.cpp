@@ -8,10 +8,12 @@ namespace {
 constexpr std::wstring_view kFrameStart = L"{\"resp\":[";
 constexpr size_t npos = std::wstring_view::npos;
 
-// The text between two positions, with the scanner's historical rule for a
-// closing mark that stands right on the opening quote: the rest is taken.
+// The text between two quotes. When the closing mark is the opening quote
+// itself (a lone quote before ":" or ","), nothing stands between them: the
+// result is empty, so every character of the answer lands in at most one
+// key or value and a hostile answer cannot make the output outgrow it.
 std::wstring Between(std::wstring_view text, size_t openQuote, size_t closeQuote) {
-  if (closeQuote <= openQuote) return std::wstring(text.substr(openQuote + 1));
+  if (closeQuote <= openQuote) return std::wstring();
   return std::wstring(text.substr(openQuote + 1, closeQuote - openQuote - 1));
 }
 
@@ -42,21 +44,6 @@ bool HasFrame(std::wstring_view text) {
   return !text.empty() && text.find(L'{') == 0 && text.rfind(L'}') == text.size() - 1 &&
          text.substr(0, kFrameStart.size()) == kFrameStart;
 }
-
-// The next position of `mark` at or after `from`, remembered between calls
-// so a far-away mark is not searched for again on every object.
-struct NextMark {
-  wchar_t mark;
-  size_t found = 0;
-  bool valid = false;
-  size_t At(std::wstring_view text, size_t from) {
-    if (!valid || (found != npos && found < from)) {
-      found = text.find(mark, from);
-      valid = true;
-    }
-    return found;
-  }
-};
 }  // namespace
 
 std::vector<AnswerObject> ParseAnswer(std::wstring_view text) {
@@ -69,16 +56,17 @@ std::vector<AnswerObject> ParseAnswer(std::wstring_view text) {
     }
     WriteLog(LogLevel::Debug, L"No data mismatch while converting into json");
     size_t position = text.find(L'[') + 1;
-    NextMark openBrace{L'{'}, closeBrace{L'}'};
     for (;;) {
-      const size_t open = position < text.size() ? openBrace.At(text, position) : npos;
-      const size_t close = position < text.size() ? closeBrace.At(text, position) : npos;
+      // An object runs from its "{" to the first "}" after it. A "}" left
+      // over before the next "{" (from a value that held a brace) closes
+      // nothing, so no object is read twice and the scan stays linear.
+      const size_t open = text.find(L'{', position);
+      const size_t close = open == npos ? npos : text.find(L'}', open);
       if (open == npos || close == npos) {
         WriteLog(LogLevel::Debug, L"converted into json");
         return;
       }
-      // A "}" before the next "{" leaves the object running to the end.
-      const std::wstring_view object = close >= open ? text.substr(open, close - open + 1) : text.substr(open);
+      const std::wstring_view object = text.substr(open, close - open + 1);
       WriteLog(LogLevel::Debug, std::wstring(object));
       objects.push_back(ParseMembers(object));
       position = close + 2;  // past the "}" and the separator after it

@@ -81,6 +81,21 @@ TEST_F(ParseAnswerTest, CutsAnObjectShortAtABraceInsideAValue) {
   EXPECT_EQ(objects[0].count(L"src"), 0u);
 }
 
+TEST_F(ParseAnswerTest, ReadsTheObjectAfterALeftOverBraceOnce) {
+  // The first value's second "}" is left over after the cut; it closes nothing.
+  const auto objects = ParseAnswer(L"{\"resp\":[{\"src\":\"a}b}c\"},{\"file_path\":\"d\"}]}");
+  ASSERT_EQ(objects.size(), 2u);
+  EXPECT_TRUE(objects[0].empty());
+  EXPECT_EQ(objects[1], (AnswerObject{{L"file_path", L"d"}}));
+}
+
+TEST_F(ParseAnswerTest, ReadsNothingBetweenALoneQuoteAndItself) {
+  // Each lone quote is both the opening and the closing mark of its key or value.
+  const auto objects = ParseAnswer(L"{\"resp\":[{\":\",\":\",\"src\":\"x\"}]}");
+  ASSERT_EQ(objects.size(), 1u);
+  EXPECT_EQ(objects[0], (AnswerObject{{L"", L""}, {L"src", L"x"}}));
+}
+
 TEST_F(ParseAnswerTest, LosesTheMembersAfterABrokenPairing) {
   // A blank between the key's quote and the colon breaks the pairing.
   const auto objects = ParseAnswer(L"{\"resp\":[{\"file_path\":\"a\",\"src\" :\"x\",\"dest\":\"y\"}]}");
