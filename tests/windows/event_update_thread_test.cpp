@@ -1,0 +1,155 @@
+// The worker that keeps the cache in step with the sync app, run in this
+// process as the connection runs it, with no sync app serving the pipe:
+// its cycles are counted by the open failures it logs.
+#include <gtest/gtest.h>
+
+#include <functional>
+
+#include "addin/connection_state.h"
+#include "common/office_app.h"
+#include "common/unique_resource.h"
+#include "log/log_folder.h"
+#include "log/thread_names.h"
+#include "log/write_log.h"
+#include "synclink/cache_mutex.h"
+#include "synclink/event_update_thread.h"
+#include "synclink/file_status_cache.h"
+#include "tests/windows/wine_test_support.h"
+
+namespace {
+const wchar_t kPath[] = L"C:\\users\\Public\\Documents\\report.docx";
+const char kOpenFailure[] = "Could not open pipe. errcode=2";
+
+// Polls until the condition holds or the time is up; true when it held.
+bool WaitUntil(const std::function<bool()>& condition, DWORD timeoutMs) {
+  const ULONGLONG end = GetTickCount64() + timeoutMs;
+  for (;;) {
+    if (condition()) return true;
+    if (GetTickCount64() >= end) return false;
+    Sleep(20);
+  }
+}
+
+class EventUpdateThread : public testing::Test {
+ protected:
+  void SetUp() override {
+    OfficeApp = OfficeHost::Word;
+    CreateDirectoryW(LogFolder().c_str(), nullptr);
+    InitLogFolder();
+    DeleteLogFiles();
+    ImmediateUpdateEvent.reset(CreateEventW(nullptr, TRUE, FALSE, L"immediatelyUpdateEvent"));
+    ASSERT_TRUE(ImmediateUpdateEvent);
+    TheFileStatusCache().syncAppHasData = true;
+  }
+  void TearDown() override {
+    StopThread();
+    FileStatusCache& cache = TheFileStatusCache();
+    if (cache.Contains(kPath)) cache.RemoveFile(kPath);
+    ImmediateUpdateEvent.reset();
+    OfficeApp = OfficeHost::None;
+  }
+
+  void StartThread() {
+    DWORD threadId = 0;
+    thread_.reset(CreateThread(nullptr, 0, EventUpdateThreadProc, nullptr, 0, &threadId));
+    ASSERT_TRUE(thread_);
+    NameThread(threadId, L"EvntUpdate");
+  }
+  void StopThread() {
+    if (thread_) EXPECT_TRUE(StopEventUpdateThread(thread_.get()));
+    thread_.reset();
+  }
+
+  // The thread's cycles so far: each one fails to open the missing pipe.
+  static size_t Cycles() {
+    size_t cycles = 0;
+    for (const std::string& message : MessagesOfThread(ReadLog(LogFilePath()), "EvntUpdate")) {
+      cycles += message == kOpenFailure;
+    }
+    return cycles;
+  }
+  static bool EventIsSet() { return WaitForSingleObject(ImmediateUpdateEvent.get(), 0) == WAIT_OBJECT_0; }
+
+  UniqueHandle thread_;
+};
+}  // namespace
+
+TEST_F(EventUpdateThread, WithoutASyncAppLogsTheOpenFailureAndChangesNoRecord) {
+  FileStatusCache& cache = TheFileStatusCache();
+  ASSERT_EQ(cache.AddFile(kPath, nullptr, 1, nullptr, nullptr, nullptr), 1);
+  cache.Find(kPath).is_sync_file = 1;
+  cache.Find(kPath).file_combo_id = L"k3";
+  cache.Find(kPath).overlayUpToDate = 1;
+
+  StartThread();
+  ASSERT_TRUE(WaitUntil([] { return Cycles() >= 1; }, 10000));
+  StopThread();
+
+  const auto messages = MessagesOfThread(ReadLog(LogFilePath()), "EvntUpdate");
+  ASSERT_GE(messages.size(), 2u);
+  EXPECT_EQ(messages[0], "event update thread starts");
+  EXPECT_EQ(messages[1], kOpenFailure);
+  EXPECT_FALSE(cache.syncAppHasData);
+  const FileStatusRecord& record = cache.Find(kPath);
+  EXPECT_EQ(record.is_sync_file, 1u);
+  EXPECT_EQ(record.file_combo_id, L"k3");
+  EXPECT_EQ(record.is_loading_data_from_server, 1u);
+  EXPECT_EQ(record.overlayUpToDate, 1u);
+  EXPECT_EQ(record.isOpen, 1u);
+}
+
+TEST_F(EventUpdateThread, StartsACycleAtOnceWhenTheEventIsSet) {
+  StartThread();
+  ASSERT_TRUE(WaitUntil([] { return Cycles() >= 1; }, 10000));
+  // Three signals well inside one 4000 ms period: each wakes a cycle.
+  for (size_t expected = 2; expected <= 4; ++expected) {
+    SetEvent(ImmediateUpdateEvent.get());
+    EXPECT_TRUE(WaitUntil([&] { return Cycles() >= expected; }, 1000)) << "signal " << expected - 1;
+  }
+}
+
+TEST_F(EventUpdateThread, ResetsTheEventAfterTheWaitItCutShort) {
+  StartThread();
+  ASSERT_TRUE(WaitUntil([] { return Cycles() >= 1; }, 10000));
+  SetEvent(ImmediateUpdateEvent.get());
+  ASSERT_TRUE(WaitUntil([] { return Cycles() >= 2; }, 2000));
+  // The reset comes between the wait and the cycle that logged the failure.
+  EXPECT_FALSE(EventIsSet());
+}
+
+TEST_F(EventUpdateThread, WaitsForABusyCacheLockAtMostFiveSecondsAndKeepsASignalFromThatTime) {
+  // This thread holds the cache lock, as another Office process might.
+  ASSERT_NE(CacheMutex(), nullptr);
+  ASSERT_EQ(WaitForSingleObject(CacheMutex(), 0), WAIT_OBJECT_0);
+  StartThread();
+  Sleep(1500);
+  EXPECT_EQ(Cycles(), 0u) << "the first cycle did not wait for the lock";
+  // A document opens while the thread is inside its cycle.
+  SetEvent(ImmediateUpdateEvent.get());
+  EXPECT_TRUE(WaitUntil([] { return Cycles() >= 1; }, 8000)) << "the thread waited beyond its five seconds";
+  ReleaseMutex(CacheMutex());
+  // The signal given during the first cycle cuts the following wait short.
+  EXPECT_TRUE(WaitUntil([] { return Cycles() >= 2; }, 2000));
+}
+
+TEST(CacheLock, IsTheNamedMutexSharedByEveryOfficeProcess) {
+  ASSERT_NE(CacheMutex(), nullptr);
+  UniqueHandle opened(OpenMutexW(SYNCHRONIZE, FALSE, L"QelvoFilewell-MSOfficeIntegration-cachemutex"));
+  EXPECT_TRUE(opened);
+}
+
+TEST(CacheLock, NeverKeepsTheUiTickWaitingForAnotherHolder) {
+  ASSERT_EQ(WaitForSingleObject(CacheMutex(), 0), WAIT_OBJECT_0);
+  // The tick runs on another thread here; it must come back at once although
+  // this thread holds the lock.
+  UniqueHandle tick(CreateThread(
+      nullptr, 0,
+      [](LPVOID) -> DWORD {
+        UiTickCacheLock lock;
+        return 0;
+      },
+      nullptr, 0, nullptr));
+  ASSERT_TRUE(tick);
+  EXPECT_EQ(WaitForSingleObject(tick.get(), 3000), WAIT_OBJECT_0);
+  ReleaseMutex(CacheMutex());
+}
