@@ -59,7 +59,9 @@ SimApplication::SimApplication(SimHost host, HWND mainWindow)
   AddMember(L"PathSeparator", 0x19, [](WORD, const std::vector<VARIANT*>&, VARIANT* result) {
     return ReturnString(result, L"\\");
   });
-  AddMember(L"Quit", 0x451, [this](WORD, const std::vector<VARIANT*>&, VARIANT*) {
+  // Word's Quit takes three optional arguments; Excel's and PowerPoint's none.
+  AddMember(L"Quit", 0x451, [this](WORD, const std::vector<VARIANT*>& args, VARIANT*) {
+    if (args.size() > (host_ == SimHost::Word ? 3u : 0u)) return DISP_E_BADPARAMCOUNT;
     std::printf("officesim: Quit called\n");
     quitRequested_ = true;
     return S_OK;

@@ -33,6 +33,10 @@ class SimApplication : public SimDispatch {
   SimDocument* FindDocument(const std::wstring& nameOrPath) const;
   size_t openDocumentCount() const { return documents_.size(); }
   bool quitRequested() const { return quitRequested_; }
+  // The application-events connection point, as add-ins advise on it.
+  SimEventSource& events() { return events_; }
+  // The collection object (Documents, Workbooks, Presentations).
+  SimDispatch* collection() const { return collection_; }
 
   // Closes what is still open when the host exits (no events: the add-ins
   // are gone by then) and prints the references others still hold.

@@ -6,6 +6,12 @@ void SimDispatch::AddMember(const std::wstring& name, DISPID id, Handler handler
   members_.push_back({name, id, std::move(handler)});
 }
 
+void SimDispatch::RemoveMember(const std::wstring& name) {
+  for (auto it = members_.begin(); it != members_.end();) {
+    it = lstrcmpiW(it->name.c_str(), name.c_str()) == 0 ? members_.erase(it) : it + 1;
+  }
+}
+
 HRESULT SimDispatch::QueryInterface(REFIID iid, void** object) {
   if (object == nullptr) return E_POINTER;
   bool known = IsEqualIID(iid, IID_IUnknown) || IsEqualIID(iid, IID_IDispatch);
@@ -60,6 +66,11 @@ HRESULT SimDispatch::Invoke(DISPID id, REFIID, LCID, WORD flags, DISPPARAMS* par
     if (params != nullptr) {
       for (UINT i = params->cArgs; i > 0; --i) args.push_back(&params->rgvarg[i - 1]);
     }
+    if (flags & DISPATCH_METHOD) {
+      std::wstring call = member.name + L"(";
+      for (size_t i = 0; i < args.size(); ++i) call += (i ? L", " : L"") + DescribeArgument(args[i]);
+      methodCalls_.push_back(call + L")");
+    }
     if (result) VariantInit(result);
     const HRESULT hr = member.handler(flags, args, result);
     if (hr == DISP_E_EXCEPTION && exception != nullptr) {
@@ -104,4 +115,20 @@ HRESULT ReturnObject(VARIANT* result, IDispatch* object) {
     if (object) object->AddRef();
   }
   return S_OK;
+}
+
+std::wstring DescribeArgument(const VARIANT* argument) {
+  const VARIANT* value = argument;
+  if (value != nullptr && value->vt == (VT_BYREF | VT_VARIANT)) value = value->pvarVal;
+  if (value == nullptr) return L"null";
+  if (value->vt == VT_ERROR && value->scode == DISP_E_PARAMNOTFOUND) return L"missing";
+  switch (value->vt) {
+    case VT_I4: return L"VT_I4 " + std::to_wstring(value->lVal);
+    case VT_I2: return L"VT_I2 " + std::to_wstring(value->iVal);
+    case VT_BOOL: return value->boolVal == VARIANT_TRUE ? L"VT_BOOL true"
+                         : value->boolVal == VARIANT_FALSE ? L"VT_BOOL false"
+                                                           : L"VT_BOOL " + std::to_wstring(value->boolVal);
+    case VT_BSTR: return L"VT_BSTR \"" + std::wstring(value->bstrVal, SysStringLen(value->bstrVal)) + L"\"";
+    default: return L"vt " + std::to_wstring(value->vt);
+  }
 }

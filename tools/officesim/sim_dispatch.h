@@ -20,11 +20,16 @@ class SimDispatch : public IDispatch {
   virtual ~SimDispatch() = default;
 
   void AddMember(const std::wstring& name, DISPID id, Handler handler);
+  // Takes a member away, as an older version of the host lacks it.
+  void RemoveMember(const std::wstring& name);
   // Interfaces answered besides IUnknown and IDispatch (the host's own
   // dual interfaces, which the add-in only ever uses through IDispatch).
   void AddInterface(const IID& iid) { interfaces_.push_back(iid); }
 
   long references() const { return references_.load(); }
+  // Every method call made on this object, as text: the member's name and
+  // its arguments in natural order, e.g. "Close(VT_I4 -1, missing, missing)".
+  const std::vector<std::wstring>& methodCalls() const { return methodCalls_; }
   const std::wstring& typeName() const { return typeName_; }
 
   HRESULT STDMETHODCALLTYPE QueryInterface(REFIID iid, void** object) override;
@@ -45,6 +50,7 @@ class SimDispatch : public IDispatch {
   std::wstring typeName_;
   std::vector<Member> members_;
   std::vector<IID> interfaces_;
+  std::vector<std::wstring> methodCalls_;
   std::atomic<long> references_{1};
 };
 
@@ -53,3 +59,7 @@ HRESULT ReturnString(VARIANT* result, const std::wstring& text);
 HRESULT ReturnBool(VARIANT* result, bool value);
 HRESULT ReturnLong(VARIANT* result, long value);
 HRESULT ReturnObject(VARIANT* result, IDispatch* object);  // adds a reference for the caller
+
+// One argument as text: "missing", "VT_I4 -2", "VT_BOOL true", "VT_BSTR \"text\"",
+// or the variant type's number for anything else.
+std::wstring DescribeArgument(const VARIANT* argument);

@@ -65,25 +65,30 @@ SimDocument::SimDocument(SimApplication& application, SimHost host, const std::w
   AddMember(L"ReadOnly", 0x3, [this](WORD, const std::vector<VARIANT*>&, VARIANT* r) { return ReturnBool(r, readOnly_); });
   AddMember(L"Saved", 0x4, [this](WORD flags, const std::vector<VARIANT*>& args, VARIANT* r) {
     if (flags & DISPATCH_PROPERTYPUT) {
-      saved_ = !args.empty() && LongArgument(args.back(), 0) != 0;
+      const long value = args.empty() ? 0 : LongArgument(args.back(), 0);
+      saved_ = value != 0;
+      savedTriState_ = saved_ ? -1 : 0;
+      if (host_ == SimHost::PowerPoint) SetSavedTriState(value);
       return S_OK;
     }
     // PowerPoint answers with an MsoTriState, the others with a VARIANT_BOOL.
-    if (host_ == SimHost::PowerPoint) return ReturnLong(r, saved_ ? -1 : 0);
+    if (host_ == SimHost::PowerPoint) return ReturnLong(r, savedTriState_);
     return ReturnBool(r, saved_);
   });
-  AddMember(L"Save", 0x5, [this](WORD, const std::vector<VARIANT*>&, VARIANT*) {
+  // Word's Save takes two optional arguments; Excel's and PowerPoint's none.
+  AddMember(L"Save", 0x5, [this](WORD, const std::vector<VARIANT*>& args, VARIANT*) {
+    if (args.size() > (host_ == SimHost::Word ? 2u : 0u)) return DISP_E_BADPARAMCOUNT;
     return Save() ? S_OK : DISP_E_EXCEPTION;
   });
   AddMember(L"Close", 0x6, [this](WORD, const std::vector<VARIANT*>& args, VARIANT*) { return CloseMember(args); });
-  AddMember(L"SaveCopyAs", 0x7, [this](WORD, const std::vector<VARIANT*>& args, VARIANT*) {
-    return SaveCopyAsMember(args);
-  });
+  // Word's document has no SaveCopyAs: its save-a-copy is SaveCopyAs2.
+  AddMember(host == SimHost::Word ? L"SaveCopyAs2" : L"SaveCopyAs", 0x7,
+            [this](WORD, const std::vector<VARIANT*>& args, VARIANT*) { return SaveCopyAsMember(args); });
   if (host == SimHost::Word) {
     window_ = new SimDispatch(L"Window");
-    HWND mainWindow = application.mainWindow();
-    window_->AddMember(L"Hwnd", 0x8, [mainWindow](WORD, const std::vector<VARIANT*>&, VARIANT* r) {
-      return ReturnLong(r, static_cast<long>(reinterpret_cast<INT_PTR>(mainWindow)));
+    windowHandle_ = application.mainWindow();
+    window_->AddMember(L"Hwnd", 0x8, [this](WORD, const std::vector<VARIANT*>&, VARIANT* r) {
+      return ReturnLong(r, static_cast<long>(reinterpret_cast<INT_PTR>(windowHandle_)));
     });
     AddMember(L"ActiveWindow", 0x8, [this](WORD, const std::vector<VARIANT*>&, VARIANT* r) {
       return ReturnObject(r, window_);
@@ -95,6 +100,8 @@ SimDocument::~SimDocument() {
   if (window_) window_->Release();
 }
 
+void SimDocument::RemoveSaveCopyMethod() { RemoveMember(host_ == SimHost::Word ? L"SaveCopyAs2" : L"SaveCopyAs"); }
+
 bool SimDocument::Save() {
   if (readOnly_ || failSaves_ || folder_.empty()) {
     std::printf("officesim: save of %s failed\n", ToUtf8(name_).c_str());
@@ -103,6 +110,7 @@ bool SimDocument::Save() {
   ++saveCount_;
   if (!WriteWholeFile(fullName_, "saved " + std::to_string(saveCount_) + " times\n")) return false;
   saved_ = true;
+  savedTriState_ = -1;
   return true;
 }
 
@@ -124,6 +132,8 @@ HRESULT SimDocument::SaveCopyAsMember(const std::vector<VARIANT*>& args) {
 HRESULT SimDocument::CloseMember(const std::vector<VARIANT*>& args) {
   // Word: SaveChanges -1 save, 0 don't, -2 prompt; Excel: True, False or
   // missing (prompt); PowerPoint closes without asking.
+  // Word's and Excel's Close take three optional arguments, PowerPoint's none.
+  if (args.size() > (host_ == SimHost::PowerPoint ? 0u : 3u)) return DISP_E_BADPARAMCOUNT;
   SimApplication::SaveChoice choice = SimApplication::SaveChoice::Prompt;
   if (host_ == SimHost::PowerPoint) {
     choice = SimApplication::SaveChoice::Discard;

@@ -15,10 +15,23 @@ class SimDocument : public SimDispatch {
   const std::wstring& fullName() const { return fullName_; }
   const std::wstring& name() const { return name_; }
   bool saved() const { return saved_; }
-  void MarkEdited() { saved_ = false; }
+  void MarkEdited() {
+    saved_ = false;
+    savedTriState_ = 0;
+  }
+  // PowerPoint: the MsoTriState its Saved reports (msoTrue -1 is the only
+  // saved state; msoCTrue 1 and msoTriStateMixed -2 exist too).
+  void SetSavedTriState(long value) {
+    savedTriState_ = value;
+    saved_ = value == -1;
+  }
   void SetReadOnly(bool readOnly) { readOnly_ = readOnly; }
   void SetFailingSaves(bool failing) { failSaves_ = failing; }
   IDispatch* window() const { return window_; }
+  // Word: the handle its document window reports (the main window until set).
+  void SetWindowHandle(HWND window) { windowHandle_ = window; }
+  // Plays a Word older than the document's save-a-copy method.
+  void RemoveSaveCopyMethod();
 
   // Writes the file; false when saving is refused (read-only, failing disk,
   // never saved: a save dialog the simulated user does not answer).
@@ -35,10 +48,12 @@ class SimDocument : public SimDispatch {
   std::wstring name_;
   std::wstring folder_;
   bool saved_ = true;
+  long savedTriState_ = -1;
   bool readOnly_ = false;
   bool failSaves_ = false;
   int saveCount_ = 0;
   SimDispatch* window_ = nullptr;  // Word's document window
+  HWND windowHandle_ = nullptr;
 };
 
 // True when an optional argument was left out.

@@ -17,6 +17,8 @@ class SimEventSource final : public IConnectionPointContainer, public IConnectio
   // (they go out reversed, as IDispatch expects).
   void Fire(DISPID dispid, std::vector<VARIANT> arguments);
   size_t sinkCount() const { return sinks_.size(); }
+  // The event interface pointer an advised sink gave (borrowed), or null.
+  IDispatch* sinkAt(size_t index) const { return index < sinks_.size() ? sinks_[index].sink : nullptr; }
 
   // IUnknown (delegated to the owner)
   HRESULT STDMETHODCALLTYPE QueryInterface(REFIID iid, void** object) override;
