@@ -55,9 +55,18 @@ int FileStatusCache::RemoveFile(const std::wstring& path) {
 
 std::wstring FileStatusCache::BuildRequest(const std::wstring& onlyPath, std::uint32_t includeUiHide) {
   return Guarded(L"getting all cache data", std::wstring(L"ERROR"), [&] {
-    std::wstring request = kRequestStart;
-    bool first = true;
     std::lock_guard<std::recursive_mutex> lock(mapLock_);
+    // One allocation for the whole text: grown by doubling, a request for
+    // many files is copied again and again and, once large, every copy is
+    // fresh memory the system has to hand out page by page.
+    size_t length = std::char_traits<wchar_t>::length(kRequestStart) + std::char_traits<wchar_t>::length(kRequestEnd);
+    for (const auto& [path, stored] : records_) {
+      if (onlyPath.empty() || path == onlyPath) length += MaxRequestObjectLength(path, stored) + 1;
+    }
+    std::wstring request;
+    request.reserve(length);
+    request += kRequestStart;
+    bool first = true;
     for (const auto& [path, stored] : records_) {
       if (!onlyPath.empty() && path != onlyPath) continue;
       // A copy, so no member changes between two of its fragments.

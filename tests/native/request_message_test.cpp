@@ -2,6 +2,7 @@
 
 #include "common/office_app.h"
 #include "synclink/file_status_cache.h"
+#include "synclink/request_message.h"
 #include "tests/native/captured_log.h"
 
 namespace {
@@ -74,4 +75,15 @@ TEST_F(RequestMessage, WritesEveryChoiceFlagTheUserMade) {
             L"{\"files\":[{\"filepath\":\"C:\\a.docx\",\"isOpen\":false,\"isEditing\":false,\"resolveConflict\":true,"
             L"\"retryModify\":true,\"retryRenameOrMove\":true,\"retryDelete\":false,\"file_combo_id\":\"\","
             L"\"officeApp\":\"1\"}]}");
+}
+
+TEST(RequestObjectLength, LeavesRoomForTheLongestObjectOfARecord) {
+  FileStatusRecord record;  // every user choice false: the longest flags
+  record.isOpen = 0;
+  record.file_combo_id = L"8f3c2a91-100042";
+  const std::wstring path = L"C:\\Users\\ann\\Filewell\\report.docx";
+  std::wstring object;
+  AppendRequestObject(object, path, record, true, OfficeHost::PowerPoint);
+  EXPECT_GE(MaxRequestObjectLength(path, record), object.size());
+  EXPECT_LE(MaxRequestObjectLength(path, record), object.size() + 10);
 }
