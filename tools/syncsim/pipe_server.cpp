@@ -121,6 +121,14 @@ int PipeServer::Run() {
   ResetEvent(stopEvent_.get());
   ResetEvent(readyEvent_.get());
 
+  // Another server on the same pipe (a syncsim left over from an earlier
+  // test) would answer some of the connections.
+  const bool served = WaitNamedPipeW(options_.pipeName.c_str(), 1) != FALSE;
+  if (served || GetLastError() == ERROR_SEM_TIMEOUT || GetLastError() == ERROR_PIPE_BUSY) {
+    std::printf("syncsim: %s is already served by another process\n", ToUtf8(options_.pipeName).c_str());
+    return 3;
+  }
+
   UniqueFileHandle listening;
   OVERLAPPED connectOverlapped{};
   connectOverlapped.hEvent = connectEvent.get();
@@ -160,28 +168,34 @@ int PipeServer::Run() {
     std::printf("syncsim: an instance is free\n");
   }
 
+  // A new instance that listens; false only when creating it failed for
+  // another reason than the instance limit.
+  auto listenAnew = [&] {
+    listening = CreateInstance();
+    if (!listening) {
+      const DWORD error = GetLastError();
+      if (error == ERROR_PIPE_BUSY && announced_) return true;  // the limit: retried below
+      std::printf("syncsim: CreateNamedPipeW failed, error %lu\n", error);
+      return false;
+    }
+    connected = StartConnect(listening.get(), connectOverlapped, failed);
+    return !failed;
+  };
+
   int exitCode = 0;
   while (!StopWanted()) {
     if (!listening) {
-      listening = CreateInstance();
-      if (!listening) {
-        const DWORD error = GetLastError();
-        if (error == ERROR_PIPE_BUSY && announced_) {
-          // As many instances as allowed are serving: wait for one to end.
-          const HANDLE waits[] = {stopEvent_.get(), wakeEvent_.get()};
-          const DWORD left = MillisecondsLeft();
-          WaitForMultipleObjects(2, waits, FALSE, left < 50 ? left : 50);
-          ResetEvent(wakeEvent_.get());
-          continue;
-        }
-        std::printf("syncsim: CreateNamedPipeW failed, error %lu\n", error);
+      if (!listenAnew()) {
         exitCode = 3;
         break;
       }
-      connected = StartConnect(listening.get(), connectOverlapped, failed);
-      if (failed) {
-        exitCode = 3;
-        break;
+      if (!listening) {
+        // As many instances as allowed are serving: wait for one to end.
+        const HANDLE waits[] = {stopEvent_.get(), wakeEvent_.get()};
+        const DWORD left = MillisecondsLeft();
+        WaitForMultipleObjects(2, waits, FALSE, left < 50 ? left : 50);
+        ResetEvent(wakeEvent_.get());
+        continue;
       }
       AnnounceReady("listening on");
     }
@@ -200,7 +214,14 @@ int PipeServer::Run() {
       }
     }
     HANDLE pipe = listening.release();
-    connected = false;
+    // The next instance listens before this connection is served: a client
+    // that comes right after this one never finds the pipe without a free
+    // instance (it would get ERROR_FILE_NOT_FOUND, not ERROR_PIPE_BUSY).
+    if (!listenAnew()) {
+      CloseHandle(pipe);
+      exitCode = 3;
+      break;
+    }
     handlers_.emplace_back([this, pipe] { Serve(pipe); });
   }
 

@@ -1,0 +1,117 @@
+// The simulated sync app itself: its scenario rules, its instances and its
+// stop conditions, seen through the add-in's own pipe client.
+#include <gtest/gtest.h>
+
+#include <thread>
+
+#include "common/text.h"
+#include "synclink/sync_app_pipe.h"
+#include "tests/windows/sync_sim_process.h"
+#include "tests/windows/wine_test_support.h"
+
+namespace {
+std::wstring RequestFor(const std::wstring& path, bool retryModify = false, bool uiHide = false) {
+  std::wstring request = L"{\"files\":[{\"filepath\":\"" + path +
+                         L"\",\"isOpen\":true,\"isEditing\":false,\"resolveConflict\":false,\"retryModify\":";
+  request += retryModify ? L"true" : L"false";
+  request += L",\"retryRenameOrMove\":false,\"retryDelete\":false,";
+  if (uiHide) request += L"\"uiHide\":true,";
+  request += L"\"file_combo_id\":\"\",\"officeApp\":\"1\"}]}";
+  return request;
+}
+
+class SyncSim : public testing::Test {
+ protected:
+  void TearDown() override { syncSim_.Stop(); }
+  void ServeScenario(const std::wstring& scenario, const std::wstring& moreArguments = L"") {
+    const std::wstring path = FreshTempPath(L"syncsim-scenario.txt");
+    WriteUtf8File(path, scenario);
+    ASSERT_TRUE(syncSim_.Start(L"--scenario " + Quoted(path) + L" " + moreArguments));
+  }
+  std::string Exchange(const std::wstring& request) { return Narrow(pipe_.Exchange(request)); }
+
+  SyncSimProcess syncSim_;
+  SyncAppPipe pipe_;
+};
+}  // namespace
+
+TEST_F(SyncSim, ChangesAFileAfterTheGivenNumberOfRequests) {
+  ServeScenario(
+      L"file C:\\r.docx\nset is_sync_file=true\nset is_download_present=Already Up-to-date\n"
+      L"after 2\nset is_download_present=Downloaded\n");
+  const std::string before = "{\"resp\":[{\"file_path\":\"C:\\r.docx\",\"is_sync_file\":\"true\","
+                             "\"is_download_present\":\"Already Up-to-date\"}]}";
+  EXPECT_EQ(Exchange(RequestFor(L"C:\\r.docx")), before);
+  EXPECT_EQ(Exchange(RequestFor(L"C:\\r.docx")), before);
+  EXPECT_EQ(Exchange(RequestFor(L"C:\\r.docx")),
+            "{\"resp\":[{\"file_path\":\"C:\\r.docx\",\"is_sync_file\":\"true\","
+            "\"is_download_present\":\"Downloaded\"}]}");
+}
+
+TEST_F(SyncSim, ChangesAFileFromTheFirstRequestThatCarriesItsFlagOn) {
+  ServeScenario(
+      L"file C:\\r.docx\nset is_sync_file=true\n"
+      L"when retryModify\nset is_download_present=Downloading\n"
+      L"when uiHide\nunset is_sync_file\n");
+  EXPECT_EQ(Exchange(RequestFor(L"C:\\r.docx")), "{\"resp\":[{\"file_path\":\"C:\\r.docx\",\"is_sync_file\":\"true\"}]}");
+  EXPECT_EQ(Exchange(RequestFor(L"C:\\r.docx", true)),
+            "{\"resp\":[{\"file_path\":\"C:\\r.docx\",\"is_sync_file\":\"true\","
+            "\"is_download_present\":\"Downloading\"}]}");
+  // The sync app remembers what the user asked for.
+  EXPECT_EQ(Exchange(RequestFor(L"C:\\r.docx")),
+            "{\"resp\":[{\"file_path\":\"C:\\r.docx\",\"is_sync_file\":\"true\","
+            "\"is_download_present\":\"Downloading\"}]}");
+  EXPECT_EQ(Exchange(RequestFor(L"C:\\r.docx", false, true)),
+            "{\"resp\":[{\"file_path\":\"C:\\r.docx\",\"is_download_present\":\"Downloading\"}]}");
+}
+
+TEST_F(SyncSim, WritesARawMemberAsItStands) {
+  ServeScenario(L"file C:\\r.docx\nraw is_sync_file=true\n");
+  EXPECT_EQ(Exchange(RequestFor(L"C:\\r.docx")), "{\"resp\":[{\"file_path\":\"C:\\r.docx\",\"is_sync_file\":true}]}");
+}
+
+TEST_F(SyncSim, LeavesOutUnknownFilesUnlessToldToReportThem) {
+  ServeScenario(L"file C:\\r.docx\n");
+  EXPECT_EQ(Exchange(RequestFor(L"C:\\R.docx")), "{\"resp\":[]}");
+  syncSim_.Stop();
+  ServeScenario(L"unknown-files report\n");
+  EXPECT_EQ(Exchange(RequestFor(L"C:\\R.docx")),
+            "{\"resp\":[{\"file_path\":\"C:\\R.docx\",\"is_sync_file\":\"false\"}]}");
+}
+
+TEST_F(SyncSim, ServesASecondClientWhileTheFirstWaitsForItsAnswer) {
+  ServeScenario(L"file C:\\r.docx\nset is_sync_file=true\n", L"--delay 1500");
+  const std::string expected = "{\"resp\":[{\"file_path\":\"C:\\r.docx\",\"is_sync_file\":\"true\"}]}";
+  std::string first;
+  std::thread other([&] {
+    SyncAppPipe pipe;
+    first = Narrow(pipe.Exchange(RequestFor(L"C:\\r.docx")));
+  });
+  EXPECT_EQ(Exchange(RequestFor(L"C:\\r.docx")), expected);
+  other.join();
+  EXPECT_EQ(first, expected);
+}
+
+TEST_F(SyncSim, EndsByItselfAfterTheGivenNumberOfRequests) {
+  ServeScenario(L"", L"--max-requests 2");
+  EXPECT_EQ(Exchange(RequestFor(L"C:\\r.docx")), "{\"resp\":[]}");
+  EXPECT_EQ(Exchange(RequestFor(L"C:\\r.docx")), "{\"resp\":[]}");
+  ASSERT_TRUE(syncSim_.WaitForExit(10000));
+  EXPECT_EQ(syncSim_.ExitCode(), 0u);
+}
+
+TEST_F(SyncSim, RefusesToShareThePipeWithAnotherServer) {
+  ServeScenario(L"");
+  const ProcessResult second = RunProcess(Quoted(BinFolder() + L"\\syncsim.exe") +
+                                          L" --run-ms 5000 --ready-event syncsim-second-ready"
+                                          L" --stop-event syncsim-second-stop");
+  EXPECT_EQ(second.exitCode, 3u) << second.output;
+}
+
+TEST_F(SyncSim, RejectsAScenarioLineItDoesNotKnow) {
+  const std::wstring path = FreshTempPath(L"syncsim-bad-scenario.txt");
+  WriteUtf8File(path, L"file C:\\r.docx\nsett is_sync_file=true\n");
+  const ProcessResult result = RunProcess(Quoted(BinFolder() + L"\\syncsim.exe") + L" --scenario " + Quoted(path));
+  EXPECT_EQ(result.exitCode, 2u);
+  EXPECT_NE(result.output.find("scenario line 2: unknown directive 'sett'"), std::string::npos) << result.output;
+}
