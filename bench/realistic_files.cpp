@@ -1,7 +1,7 @@
 #include "bench/realistic_files.h"
 
 namespace {
-const wchar_t* const kFolders[] = {L"Finance\\2024\\Quarterly", L"Sales\\Proposals", L"Engineering\\Specs\\Drafts",
+const wchar_t* const kFolders[] = {L"Finance\\2024\\Quarterly", L"Sales\\Proposals", L"Engineering\\Designs\\Drafts",
                                    L"HR\\Policies"};
 const wchar_t* const kExtensions[] = {L".docx", L".xlsx", L".pptx"};
 
