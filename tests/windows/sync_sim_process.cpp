@@ -17,12 +17,20 @@ testing::AssertionResult SyncSimProcess::Start(const std::wstring& arguments) {
   STARTUPINFOW startup{};
   startup.cb = sizeof(startup);
   PROCESS_INFORMATION info{};
-  if (!CreateProcessW(nullptr, commandLine.data(), nullptr, nullptr, FALSE, 0, nullptr, BinFolder().c_str(),
-                      &startup, &info)) {
+  if (!CreateProcessW(nullptr, commandLine.data(), nullptr, nullptr, FALSE, CREATE_SUSPENDED, nullptr,
+                      BinFolder().c_str(), &startup, &info)) {
     return testing::AssertionFailure() << "CreateProcessW(syncsim.exe) failed: " << GetLastError();
   }
-  CloseHandle(info.hThread);
   process_.reset(info.hProcess);
+  job_.reset(CreateJobObjectW(nullptr, nullptr));
+  JOBOBJECT_EXTENDED_LIMIT_INFORMATION limits{};
+  limits.BasicLimitInformation.LimitFlags = JOB_OBJECT_LIMIT_KILL_ON_JOB_CLOSE;
+  if (!job_ || !SetInformationJobObject(job_.get(), JobObjectExtendedLimitInformation, &limits, sizeof(limits)) ||
+      !AssignProcessToJobObject(job_.get(), process_.get())) {
+    job_.reset();  // not essential: the run limit still ends it
+  }
+  ResumeThread(info.hThread);
+  CloseHandle(info.hThread);
 
   const HANDLE waits[] = {readyEvent_.get(), process_.get()};
   const DWORD which = WaitForMultipleObjects(2, waits, FALSE, 20000);
@@ -44,6 +52,7 @@ DWORD SyncSimProcess::Stop() {
   }
   const DWORD code = ExitCode();
   process_.reset();
+  job_.reset();
   readyEvent_.reset();
   stopEvent_.reset();
   return code;

@@ -27,6 +27,7 @@ class SyncSimProcess {
   DWORD ExitCode() const;
 
  private:
+  UniqueHandle job_;  // ends syncsim with the test process, even when the test crashes
   UniqueHandle process_;
   UniqueHandle readyEvent_;
   UniqueHandle stopEvent_;

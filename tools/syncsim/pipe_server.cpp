@@ -1,6 +1,7 @@
 #include "tools/syncsim/pipe_server.h"
 
 #include <cstdio>
+#include <cstring>
 
 #include "common/text.h"
 
