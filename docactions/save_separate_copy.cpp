@@ -29,9 +29,9 @@ DocumentPlace ReadPlace(IDispatch* document, IDispatch* application, bool fixedS
 // The host's own save-a-copy; its HRESULT is not the judge: whether the
 // file exists afterwards is.
 void SaveCopyThroughHost(IDispatch* document, const std::wstring& fullPath) {
-  // Word's document has no SaveCopyAs: its save-a-copy that leaves the
-  // document attached to its own file is SaveCopyAs2.
-  static DispatchName wordSaveCopy(L"SaveCopyAs2");
+  // Word's SaveCopyAs writes the copy and leaves the document attached to
+  // its own file, unlike SaveAs, which would re-attach it to the copy.
+  static DispatchName wordSaveCopy(L"SaveCopyAs");
   static DispatchName excelSaveCopy(L"SaveCopyAs");
   static DispatchName powerPointSaveCopy(L"SaveCopyAs");
   UniqueVariant fileName = UniqueVariant::String(fullPath);

@@ -54,7 +54,7 @@ class SeparateCopy : public testing::TestWithParam<SimHost> {
     const std::wstring name = L"VT_BSTR \"" + target + L"\"";
     if (GetParam() == SimHost::Excel) return L"SaveCopyAs(" + name + L")";
     if (GetParam() == SimHost::PowerPoint) return L"SaveCopyAs(" + name + L", VT_I4 11, VT_I4 0)";
-    std::wstring call = L"SaveCopyAs2(" + name;
+    std::wstring call = L"SaveCopyAs(" + name;
     for (int i = 0; i < 15; ++i) call += L", missing";
     return call + L")";
   }

@@ -81,8 +81,7 @@ SimDocument::SimDocument(SimApplication& application, SimHost host, const std::w
     return Save() ? S_OK : DISP_E_EXCEPTION;
   });
   AddMember(L"Close", 0x6, [this](WORD, const std::vector<VARIANT*>& args, VARIANT*) { return CloseMember(args); });
-  // Word's document has no SaveCopyAs: its save-a-copy is SaveCopyAs2.
-  AddMember(host == SimHost::Word ? L"SaveCopyAs2" : L"SaveCopyAs", 0x7,
+  AddMember(L"SaveCopyAs", 0x7,
             [this](WORD, const std::vector<VARIANT*>& args, VARIANT*) { return SaveCopyAsMember(args); });
   if (host == SimHost::Word) {
     window_ = new SimDispatch(L"Window");
@@ -100,7 +99,7 @@ SimDocument::~SimDocument() {
   if (window_) window_->Release();
 }
 
-void SimDocument::RemoveSaveCopyMethod() { RemoveMember(host_ == SimHost::Word ? L"SaveCopyAs2" : L"SaveCopyAs"); }
+void SimDocument::RemoveSaveCopyMethod() { RemoveMember(L"SaveCopyAs"); }
 
 bool SimDocument::Save() {
   if (readOnly_ || failSaves_ || folder_.empty()) {
@@ -116,9 +115,9 @@ bool SimDocument::Save() {
 
 HRESULT SimDocument::SaveCopyAsMember(const std::vector<VARIANT*>& args) {
   if (args.empty()) return DISP_E_BADPARAMCOUNT;
-  // Word's takes the file name and fifteen optional arguments, Excel's one,
-  // PowerPoint's three.
-  const size_t allowed = host_ == SimHost::Word ? 16 : host_ == SimHost::Excel ? 1 : 3;
+  // Word's takes the file name and up to sixteen optional arguments (the
+  // add-in passes fifteen), Excel's one, PowerPoint's up to three.
+  const size_t allowed = host_ == SimHost::Word ? 17 : host_ == SimHost::Excel ? 1 : 3;
   if (args.size() > allowed) return DISP_E_BADPARAMCOUNT;
   const std::wstring target = StringArgument(args[0]);
   if (target.empty() || !CopyFileW(fullName_.c_str(), target.c_str(), FALSE)) {
