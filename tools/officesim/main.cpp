@@ -21,15 +21,49 @@
 #include "tools/officesim/sim_application.h"
 
 namespace {
+// Without a window manager under Xvfb there is no title bar: the window
+// paints its own band in the host's colour with its title ("report.docx -
+// Word"), so a screenshot shows which document is active.
+COLORREF HostColour(SimHost host) {
+  switch (host) {
+    case SimHost::Word: return RGB(0x2B, 0x57, 0x9A);
+    case SimHost::Excel: return RGB(0x21, 0x73, 0x46);
+    case SimHost::PowerPoint: return RGB(0xB7, 0x47, 0x2A);
+    default: return RGB(0x00, 0x72, 0xC6);
+  }
+}
+
+void PaintMainWindow(HWND window) {
+  PAINTSTRUCT paint;
+  HDC dc = BeginPaint(window, &paint);
+  RECT client;
+  GetClientRect(window, &client);
+  FillRect(dc, &client, static_cast<HBRUSH>(GetStockObject(WHITE_BRUSH)));
+  RECT band = client;
+  band.bottom = band.top + 32;
+  const auto host = static_cast<SimHost>(GetWindowLongPtrW(window, GWLP_USERDATA));
+  HBRUSH bandBrush = CreateSolidBrush(HostColour(host));
+  FillRect(dc, &band, bandBrush);
+  DeleteObject(bandBrush);
+  wchar_t title[512] = {};
+  GetWindowTextW(window, title, 512);
+  SetBkMode(dc, TRANSPARENT);
+  SetTextColor(dc, RGB(0xFF, 0xFF, 0xFF));
+  HGDIOBJ previousFont = SelectObject(dc, GetStockObject(DEFAULT_GUI_FONT));
+  DrawTextW(dc, title, -1, &band, DT_CENTER | DT_VCENTER | DT_SINGLELINE | DT_NOPREFIX);
+  SelectObject(dc, previousFont);
+  EndPaint(window, &paint);
+}
+
 LRESULT CALLBACK MainWindowProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
   if (message == WM_PAINT) {
-    PAINTSTRUCT paint;
-    HDC dc = BeginPaint(window, &paint);
-    RECT client;
-    GetClientRect(window, &client);
-    FillRect(dc, &client, static_cast<HBRUSH>(GetStockObject(WHITE_BRUSH)));
-    EndPaint(window, &paint);
+    PaintMainWindow(window);
     return 0;
+  }
+  if (message == WM_SETTEXT) {
+    const LRESULT result = DefWindowProcW(window, message, wParam, lParam);
+    InvalidateRect(window, nullptr, FALSE);
+    return result;
   }
   return DefWindowProcW(window, message, wParam, lParam);
 }
@@ -44,6 +78,7 @@ HWND CreateMainWindow(SimHost host) {
   RegisterClassExW(&windowClass);
   HWND window = CreateWindowExW(0, MainWindowClass(host), MainWindowTitle(host), WS_OVERLAPPEDWINDOW | WS_VISIBLE,
                                 60, 40, 1100, 700, nullptr, nullptr, GetModuleHandleW(nullptr), nullptr);
+  SetWindowLongPtrW(window, GWLP_USERDATA, static_cast<LONG_PTR>(host));
   UpdateWindow(window);
   return window;
 }

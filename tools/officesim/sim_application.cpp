@@ -166,6 +166,7 @@ SimDocument* SimApplication::OpenDocument(const std::wstring& path, bool readOnl
   document->AddRef();
   everOpened_.push_back(document);
   active_ = document;
+  ShowActiveInTitle();
   std::printf("officesim: opened %s\n", ToUtf8(document->fullName()).c_str());
   const HostEvents ids = EventIds(host_);
   FireDocumentEvent(ids.open, document, false);
@@ -183,6 +184,7 @@ SimDocument* SimApplication::NewDocument() {
   document->AddRef();
   everOpened_.push_back(document);
   active_ = document;
+  ShowActiveInTitle();
   std::printf("officesim: new %s\n", ToUtf8(name).c_str());
   const HostEvents ids = EventIds(host_);
   FireDocumentEvent(ids.activate, document, ids.activateHasWindow);
@@ -191,6 +193,7 @@ SimDocument* SimApplication::NewDocument() {
 
 void SimApplication::ActivateDocument(SimDocument* document) {
   active_ = document;
+  ShowActiveInTitle();
   const HostEvents ids = EventIds(host_);
   FireDocumentEvent(ids.activate, document, ids.activateHasWindow);
 }
@@ -217,6 +220,7 @@ bool SimApplication::CloseDocument(SimDocument* document, SaveChoice choice) {
     break;
   }
   if (active_ == document) active_ = documents_.empty() ? nullptr : documents_.back();
+  ShowActiveInTitle();
   std::printf("officesim: closed %s\n", ToUtf8(document->name()).c_str());
   document->Release();
   return true;
@@ -246,4 +250,13 @@ void SimApplication::PrintReferences() const {
     std::printf("officesim: references held by add-ins on %s %s = %ld\n", ToUtf8(document->typeName()).c_str(),
                 ToUtf8(document->name()).c_str(), document->references() - 1 - (open ? 1 : 0));
   }
+}
+
+// The main window's title names the active document, as Office's does.
+void SimApplication::ShowActiveInTitle() {
+  if (mainWindow_ == nullptr) return;
+  const wchar_t* hostName = host_ == SimHost::Excel ? L"Excel" : host_ == SimHost::PowerPoint ? L"PowerPoint"
+                                                                                               : L"Word";
+  const std::wstring title = active_ != nullptr ? active_->name() + L" - " + hostName : std::wstring(hostName);
+  SetWindowTextW(mainWindow_, title.c_str());
 }

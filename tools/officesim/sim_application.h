@@ -48,6 +48,7 @@ class SimApplication : public SimDispatch {
   void AddCollection(const wchar_t* name, DISPID id);
   void FireDocumentEvent(DISPID dispid, SimDocument* document, bool withWindow);
   bool FireBeforeClose(SimDocument* document);
+  void ShowActiveInTitle();
 
   SimHost host_;
   HWND mainWindow_;
