@@ -14,6 +14,7 @@
 #include "synclink/cache_mutex.h"
 #include "synclink/event_update_thread.h"
 #include "synclink/file_status_cache.h"
+#include "tests/windows/sync_sim_process.h"
 #include "tests/windows/wine_test_support.h"
 
 namespace {
@@ -67,6 +68,31 @@ class EventUpdateThread : public testing::Test {
       cycles += message == kOpenFailure;
     }
     return cycles;
+  }
+  // Runs the thread against a sync app that misbehaves as `arguments` say:
+  // the cycle logs `logged` (when given), finds no data and leaves the
+  // record as it was.
+  void ExpectNoRecordChangeWith(const std::wstring& arguments, const std::string& logged) {
+    FileStatusCache& cache = TheFileStatusCache();
+    ASSERT_EQ(cache.AddFile(kPath, nullptr, 0, nullptr, nullptr, nullptr), 1);
+    cache.Find(kPath).is_sync_file = 1;
+    cache.Find(kPath).file_combo_id = L"k3";
+    cache.Find(kPath).overlayUpToDate = 1;
+    SyncSimProcess syncApp;
+    ASSERT_TRUE(syncApp.Start(arguments));
+    StartThread();
+    EXPECT_TRUE(WaitUntil([&] { return !cache.syncAppHasData; }, 15000));
+    StopThread();
+    syncApp.Stop();
+    if (!logged.empty()) {
+      const auto messages = MessagesOfThread(ReadLog(LogFilePath()), "EvntUpdate");
+      EXPECT_TRUE(ContainsInOrder(messages, {"event update thread starts", logged}));
+    }
+    const FileStatusRecord& after = cache.Find(kPath);
+    EXPECT_EQ(after.is_sync_file, 1u);
+    EXPECT_EQ(after.file_combo_id, L"k3");
+    EXPECT_EQ(after.is_loading_data_from_server, 1u);
+    EXPECT_EQ(after.overlayUpToDate, 1u);
   }
   static bool EventIsSet() { return WaitForSingleObject(ImmediateUpdateEvent.get(), 0) == WAIT_OBJECT_0; }
 
@@ -130,6 +156,59 @@ TEST_F(EventUpdateThread, WaitsForABusyCacheLockAtMostFiveSecondsAndKeepsASignal
   ReleaseMutex(CacheMutex());
   // The signal given during the first cycle cuts the following wait short.
   EXPECT_TRUE(WaitUntil([] { return Cycles() >= 2; }, 2000));
+}
+
+TEST_F(EventUpdateThread, WritesTheSyncAppsAnswerIntoTheRecord) {
+  FileStatusCache& cache = TheFileStatusCache();
+  ASSERT_EQ(cache.AddFile(kPath, nullptr, 0, nullptr, nullptr, nullptr), 1);
+  const std::wstring scenario = FreshTempPath(L"thread-scenario.txt");
+  WriteUtf8File(scenario, std::wstring(L"file ") + kPath +
+                              L"\nset is_sync_file=true\nset file_combo_id=k3v9x\n"
+                              L"set is_loading_data_from_server=false\nset is_download_present=Downloaded\n"
+                              L"set all_editors_quid=u1|u2\nset all_editors_names=Ann|Bo\n");
+  const std::wstring requestsFile = FreshTempPath(L"thread-requests.txt");
+  SyncSimProcess syncApp;
+  ASSERT_TRUE(syncApp.Start(L"--scenario " + Quoted(scenario) + L" --record " + Quoted(requestsFile)));
+  StartThread();
+  // The second cycle's request carries the id the first answer gave: by
+  // then that answer is in the record.
+  ASSERT_TRUE(WaitUntil([&] { return ReadLines(requestsFile).size() >= 1; }, 10000));
+  SetEvent(ImmediateUpdateEvent.get());
+  ASSERT_TRUE(WaitUntil([&] { return ReadLines(requestsFile).size() >= 2; }, 10000));
+  StopThread();
+  syncApp.Stop();
+  const FileStatusRecord& record = cache.Find(kPath);
+  EXPECT_TRUE(cache.syncAppHasData);
+  EXPECT_EQ(record.is_sync_file, 1u);
+  EXPECT_EQ(record.is_loading_data_from_server, 0u);
+  EXPECT_EQ(record.is_internet_connected, 1u);  // not reported: connected
+  EXPECT_EQ(record.downloadState, 1);
+  EXPECT_EQ(record.editorsByQuid, (std::map<std::wstring, std::wstring>{{L"u1", L"Ann"}, {L"u2", L"Bo"}}));
+  EXPECT_EQ(record.overlayUpToDate, 0u);
+  // The thread asks about every open file, without uiHide, and sends the
+  // sync app's id back once it has one.
+  const auto requests = ReadLines(requestsFile);
+  ASSERT_GE(requests.size(), 2u);
+  const auto request = [](const std::string& id) {
+    return std::string("{\"files\":[{\"filepath\":\"") + Narrow(kPath) +
+           "\",\"isOpen\":true,\"isEditing\":false,\"resolveConflict\":false,"
+           "\"retryModify\":false,\"retryRenameOrMove\":false,\"retryDelete\":false,"
+           "\"file_combo_id\":\"" + id + "\",\"officeApp\":\"1\"}]}";
+  };
+  EXPECT_EQ(requests[0], request(""));
+  EXPECT_EQ(requests[1], request("k3v9x"));
+}
+
+TEST_F(EventUpdateThread, KeepsTheRecordWhenTheAnswerIsGarbage) {
+  ExpectNoRecordChangeWith(L"--garbage", "");
+}
+
+TEST_F(EventUpdateThread, KeepsTheRecordWhenTheSyncAppHangsUp) {
+  ExpectNoRecordChangeWith(L"--hang-up", "read msg failed. errcode=233");
+}
+
+TEST_F(EventUpdateThread, KeepsTheRecordWhenTheSyncAppIsBusy) {
+  ExpectNoRecordChangeWith(L"--busy", "Wait time over, could not open pipe. errcode=121");
 }
 
 TEST(CacheLock, IsTheNamedMutexSharedByEveryOfficeProcess) {
