@@ -11,5 +11,9 @@ std::wstring Widen(const char* text);
 // Unpaired surrogates become U+FFFD.
 std::string ToUtf8(std::wstring_view text);
 
+// Wide text of UTF-8 bytes (UTF-16 on Windows, UTF-32 elsewhere). Bytes
+// that do not form a character become U+FFFD.
+std::wstring FromUtf8(std::string_view text);
+
 // Lower-cases A to Z only, like the C library's tolower in the "C" locale.
 void LowerAsciiInPlace(std::wstring& text);

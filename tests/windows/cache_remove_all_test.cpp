@@ -14,9 +14,7 @@ class CacheRemoveAll : public testing::Test {
  protected:
   void SetUp() override {
     OfficeApp = OfficeHost::Excel;
-    CreateDirectoryW(LogFolder().c_str(), nullptr);
-    InitLogFolder();
-    DeleteLogFiles();
+    StartFreshLog();
     textRecord_ = FreshTempPath(L"syncsim-last-requests.txt");
     rawRecord_ = FreshTempPath(L"syncsim-last-requests.bin");
   }

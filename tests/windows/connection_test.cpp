@@ -10,21 +10,8 @@
 namespace {
 class Connection : public testing::Test {
  protected:
-  static void SetUpTestSuite() {
-    HMODULE module = LoadLibraryW(AddinDllPath().c_str());
-    ASSERT_NE(module, nullptr);
-    auto install = reinterpret_cast<HRESULT(__stdcall*)(BOOL, LPCWSTR)>(
-        reinterpret_cast<void*>(GetProcAddress(module, "DllInstall")));
-    ASSERT_EQ(install(TRUE, L"user"), S_OK);
-    FreeLibrary(module);
-  }
-  static void TearDownTestSuite() {
-    HMODULE module = LoadLibraryW(AddinDllPath().c_str());
-    auto install = reinterpret_cast<HRESULT(__stdcall*)(BOOL, LPCWSTR)>(
-        reinterpret_cast<void*>(GetProcAddress(module, "DllInstall")));
-    install(FALSE, L"user");
-    FreeLibrary(module);
-  }
+  static void SetUpTestSuite() { ASSERT_EQ(InstallAddinForUser(true), S_OK); }
+  static void TearDownTestSuite() { InstallAddinForUser(false); }
   void SetUp() override { DeleteLogFiles(); }
 
   // Runs the simulated host with the given program name and arguments.

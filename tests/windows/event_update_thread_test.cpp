@@ -8,7 +8,6 @@
 #include "addin/connection_state.h"
 #include "common/office_app.h"
 #include "common/unique_resource.h"
-#include "log/log_folder.h"
 #include "log/thread_names.h"
 #include "log/write_log.h"
 #include "synclink/cache_mutex.h"
@@ -35,9 +34,7 @@ class EventUpdateThread : public testing::Test {
  protected:
   void SetUp() override {
     OfficeApp = OfficeHost::Word;
-    CreateDirectoryW(LogFolder().c_str(), nullptr);
-    InitLogFolder();
-    DeleteLogFiles();
+    StartFreshLog();
     ImmediateUpdateEvent.reset(CreateEventW(nullptr, TRUE, FALSE, L"immediatelyUpdateEvent"));
     ASSERT_TRUE(ImmediateUpdateEvent);
     TheFileStatusCache().syncAppHasData = true;
@@ -57,7 +54,9 @@ class EventUpdateThread : public testing::Test {
     NameThread(threadId, L"EvntUpdate");
   }
   void StopThread() {
-    if (thread_) EXPECT_TRUE(StopEventUpdateThread(thread_.get()));
+    if (thread_) {
+      EXPECT_TRUE(StopEventUpdateThread(thread_.get()));
+    }
     thread_.reset();
   }
 

@@ -19,9 +19,7 @@ class LogWriter : public testing::Test {
  protected:
   void SetUp() override {
     OfficeApp = OfficeHost::None;
-    CreateDirectoryW(LogFolder().c_str(), nullptr);
-    InitLogFolder();  // a fresh log object with its file closed
-    DeleteLogFiles();
+    StartFreshLog();
   }
   void TearDown() override {
     InitLogFolder();

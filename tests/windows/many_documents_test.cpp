@@ -56,16 +56,8 @@ INSTANTIATE_TEST_SUITE_P(EveryHost, ManyDocuments, testing::Values(SimHost::Word
 // The add-in loaded by the simulated host from its registration.
 class ManyDocumentsInTheHost : public testing::TestWithParam<const wchar_t*> {
  protected:
-  static void SetUpTestSuite() { Install(TRUE); }
-  static void TearDownTestSuite() { Install(FALSE); }
-  static void Install(BOOL install) {
-    HMODULE module = LoadLibraryW(AddinDllPath().c_str());
-    ASSERT_NE(module, nullptr);
-    auto entry = reinterpret_cast<HRESULT(__stdcall*)(BOOL, LPCWSTR)>(
-        reinterpret_cast<void*>(GetProcAddress(module, "DllInstall")));
-    EXPECT_EQ(entry(install, L"user"), S_OK);
-    FreeLibrary(module);
-  }
+  static void SetUpTestSuite() { ASSERT_EQ(InstallAddinForUser(true), S_OK); }
+  static void TearDownTestSuite() { EXPECT_EQ(InstallAddinForUser(false), S_OK); }
 };
 
 TEST_P(ManyDocumentsInTheHost, LeaveNoReferenceBehindAndDisconnectionReleasesTheApplication) {

@@ -12,16 +12,8 @@
 namespace {
 class OpenCloseEndToEnd : public testing::Test {
  protected:
-  static void SetUpTestSuite() { Install(TRUE); }
-  static void TearDownTestSuite() { Install(FALSE); }
-  static void Install(BOOL install) {
-    HMODULE module = LoadLibraryW(AddinDllPath().c_str());
-    ASSERT_NE(module, nullptr);
-    auto entry = reinterpret_cast<HRESULT(__stdcall*)(BOOL, LPCWSTR)>(
-        reinterpret_cast<void*>(GetProcAddress(module, "DllInstall")));
-    EXPECT_EQ(entry(install, L"user"), S_OK);
-    FreeLibrary(module);
-  }
+  static void SetUpTestSuite() { ASSERT_EQ(InstallAddinForUser(true), S_OK); }
+  static void TearDownTestSuite() { EXPECT_EQ(InstallAddinForUser(false), S_OK); }
 
   static std::string Request(const std::string& path, bool isOpen) {
     return std::string("{\"files\":[{\"filepath\":\"") + path + "\",\"isOpen\":" + (isOpen ? "true" : "false") +

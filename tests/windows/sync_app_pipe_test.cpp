@@ -52,9 +52,7 @@ class SyncAppPipeTest : public testing::Test {
  protected:
   void SetUp() override {
     OfficeApp = OfficeHost::Word;
-    CreateDirectoryW(LogFolder().c_str(), nullptr);
-    InitLogFolder();
-    DeleteLogFiles();
+    StartFreshLog();
   }
   void TearDown() override {
     syncSim_.Stop();

@@ -5,6 +5,7 @@
 
 #include "common/text.h"
 #include "common/unique_resource.h"
+#include "log/log_folder.h"
 
 std::wstring BinFolder() {
   wchar_t path[MAX_PATH];
@@ -109,13 +110,6 @@ ProcessResult RunProcess(const std::wstring& commandLine, DWORD timeoutMs) {
 
 std::string Narrow(const std::wstring& text) { return ToUtf8(text); }
 
-std::wstring WidenUtf8(const std::string& text) {
-  if (text.empty()) return {};
-  const int length = MultiByteToWideChar(CP_UTF8, 0, text.data(), static_cast<int>(text.size()), nullptr, 0);
-  std::wstring wide(length, L'\0');
-  MultiByteToWideChar(CP_UTF8, 0, text.data(), static_cast<int>(text.size()), wide.data(), length);
-  return wide;
-}
 
 LogLine ParseLogLine(std::string line) {
   LogLine parsed;
@@ -169,4 +163,20 @@ testing::AssertionResult ContainsInOrder(const std::vector<std::string>& actual,
   std::string all;
   for (const std::string& line : actual) all += "\n  " + line;
   return testing::AssertionFailure() << "missing, in order: \"" << expected[next] << "\"; the lines were:" << all;
+}
+
+void StartFreshLog() {
+  CreateDirectoryW(LogFolder().c_str(), nullptr);
+  InitLogFolder();  // the new log object has its file closed
+  DeleteLogFiles();
+}
+
+HRESULT InstallAddinForUser(bool install) {
+  HMODULE module = LoadLibraryW(AddinDllPath().c_str());
+  if (module == nullptr) return HRESULT_FROM_WIN32(GetLastError());
+  auto entry = reinterpret_cast<HRESULT(__stdcall*)(BOOL, LPCWSTR)>(
+      reinterpret_cast<void*>(GetProcAddress(module, "DllInstall")));
+  const HRESULT hr = entry != nullptr ? entry(install ? TRUE : FALSE, L"user") : E_NOINTERFACE;
+  FreeLibrary(module);
+  return hr;
 }

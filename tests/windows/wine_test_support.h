@@ -19,6 +19,13 @@ std::wstring LogFolder();
 std::wstring LogFilePath();
 std::wstring RotatedLogFilePath();
 void DeleteLogFiles();
+// A fresh log object in this process over an empty log folder, as a new
+// connection of the add-in would have.
+void StartFreshLog();
+
+// Registers (true) or unregisters (false) the add-in for the current user
+// through its own DllInstall, as "regsvr32 /n /i:user" does; its HRESULT.
+HRESULT InstallAddinForUser(bool install);
 
 // The simulated Office installed in the prefix under Office's folder names:
 // "WINWORD.EXE", "EXCEL.EXE", "POWERPNT.EXE", "OUTLOOK.EXE".
@@ -40,7 +47,6 @@ struct ProcessResult {
 ProcessResult RunProcess(const std::wstring& commandLine, DWORD timeoutMs = 60000);
 
 std::string Narrow(const std::wstring& text);
-std::wstring WidenUtf8(const std::string& text);
 
 // One log line taken apart: "[stamp] HOST pid=N L THREAD - message".
 struct LogLine {

@@ -29,11 +29,7 @@ std::vector<std::wstring> ReadScriptFile(const std::wstring& path) {
   std::string line;
   while (std::getline(file, line)) {
     if (!line.empty() && line.back() == '\r') line.pop_back();
-    std::wstring wide;
-    const int length = MultiByteToWideChar(CP_UTF8, 0, line.data(), static_cast<int>(line.size()), nullptr, 0);
-    wide.resize(length);
-    MultiByteToWideChar(CP_UTF8, 0, line.data(), static_cast<int>(line.size()), wide.data(), length);
-    lines.push_back(wide);
+    lines.push_back(FromUtf8(line));
   }
   return lines;
 }

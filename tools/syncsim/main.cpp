@@ -35,13 +35,6 @@ bool ReadWholeFile(const std::wstring& path, std::string& bytes) {
   return ok;
 }
 
-std::wstring FromUtf8(const std::string& text) {
-  if (text.empty()) return {};
-  const int length = MultiByteToWideChar(CP_UTF8, 0, text.data(), static_cast<int>(text.size()), nullptr, 0);
-  std::wstring wide(static_cast<size_t>(length), L'\0');
-  MultiByteToWideChar(CP_UTF8, 0, text.data(), static_cast<int>(text.size()), wide.data(), length);
-  return wide;
-}
 }  // namespace
 
 int wmain(int argc, wchar_t** argv) {

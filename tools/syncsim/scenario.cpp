@@ -5,15 +5,9 @@
 #include <cwchar>
 #include <sstream>
 
-namespace {
-std::wstring FromUtf8(const std::string& text) {
-  if (text.empty()) return {};
-  const int length = MultiByteToWideChar(CP_UTF8, 0, text.data(), static_cast<int>(text.size()), nullptr, 0);
-  std::wstring wide(static_cast<size_t>(length), L'\0');
-  MultiByteToWideChar(CP_UTF8, 0, text.data(), static_cast<int>(text.size()), wide.data(), length);
-  return wide;
-}
+#include "common/text.h"
 
+namespace {
 // "word rest of line" -> word, rest (rest keeps its blanks).
 void SplitWord(const std::wstring& line, std::wstring& word, std::wstring& rest) {
   const size_t blank = line.find(L' ');
