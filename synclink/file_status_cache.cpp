@@ -83,12 +83,29 @@ std::wstring FileStatusCache::BuildRequest(const std::wstring& onlyPath, std::ui
 void FileStatusCache::UpdateFile(const std::wstring& path, HWND hostWindow, std::uint32_t isEditing,
                                  const AnswerFields& answer) {
   GuardedVoid(L"updating cache data", [&] {
-    FileStatusRecord working = Find(path);
+    // Copied under the lock: the UI thread may erase the record meanwhile.
+    FileStatusRecord working = [&] {
+      std::lock_guard<std::recursive_mutex> lock(mapLock_);
+      return records_.at(path);
+    }();
     ApplyAnswerToRecord(working, hostWindow, isEditing, answer);
     {
       std::lock_guard<std::recursive_mutex> lock(mapLock_);
-      records_[path] = std::move(working);  // the whole record in one step
+      const auto stored = records_.find(path);
+      // A document closed while its answer was applied stays gone: an
+      // answer never brings a record (and its document reference) back.
+      if (stored == records_.end()) return;
+      stored->second = std::move(working);  // the whole record in one step
     }
     WriteLog(LogLevel::Debug, L"windows cache updated");
   });
+}
+
+bool FileStatusCache::HostStateOf(const std::wstring& path, HWND& hostWindow, std::uint32_t& isEditing) const {
+  std::lock_guard<std::recursive_mutex> lock(mapLock_);
+  const auto stored = records_.find(path);
+  if (stored == records_.end()) return false;
+  hostWindow = stored->second.hostWindow;
+  isEditing = stored->second.isEditing;
+  return true;
 }

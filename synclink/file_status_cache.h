@@ -1,6 +1,7 @@
 #pragma once
 // The process-wide map from a document's full path (exactly as the host
 // gives it, case-sensitive) to its record.
+#include <atomic>
 #include <map>
 #include <mutex>
 #include <string>
@@ -10,8 +11,8 @@
 class FileStatusCache {
  public:
   // False after an exchange whose answer held no file object: the overlay
-  // then draws nothing.
-  bool syncAppHasData = true;
+  // then draws nothing. Written by the update thread, read by the UI tick.
+  std::atomic<bool> syncAppHasData{true};
 
   // Stores a fresh record with the defaults (taking a reference on each
   // non-null document) and logs it. 1, or 0 when an exception was caught.
@@ -34,6 +35,9 @@ class FileStatusCache {
   // Writes one answer object into the record under `path` (copy, edit,
   // write back whole), clearing overlayUpToDate on every change.
   void UpdateFile(const std::wstring& path, HWND hostWindow, std::uint32_t isEditing, const AnswerFields& answer);
+  // The record's own window and unsaved state, read under the map lock;
+  // false when there is no record under the path (any more).
+  bool HostStateOf(const std::wstring& path, HWND& hostWindow, std::uint32_t& isEditing) const;
 
   // For tests and the overlay: the records in key order.
   const std::map<std::wstring, FileStatusRecord>& records() const { return records_; }

@@ -1,5 +1,6 @@
 #include <gtest/gtest.h>
 
+#include "common/text.h"
 #include "synclink/answer_apply.h"
 #include "synclink/record_update.h"
 #include "tests/native/captured_log.h"
@@ -127,4 +128,23 @@ TEST(PairUsers, PairsIdentifiersAndNamesByPosition) {
 
 TEST(PairUsers, GivesAnIdentifierWithoutANameAnEmptyName) {
   EXPECT_EQ(PairUsers(L"a|b", L"Ann"), (std::map<std::wstring, std::wstring>{{L"a", L"Ann"}, {L"b", L""}}));
+}
+
+TEST_F(ApplyAnswerTest, GoesOnWithTheNextFileWhenARecordIsDroppedWhileTheAnswerIsApplied) {
+  cache.AddFile(L"C:\\b.docx", nullptr, 0, nullptr, nullptr, nullptr);
+  // The UI thread closes a.docx right after the update thread found it.
+  bool closed = false;
+  SetCapturedLogObserver([&](const CapturedLine& line) {
+    if (line.message == L"yes, data exists" && !closed) {
+      closed = true;
+      cache.RemoveFile(L"C:\\a.docx");
+    }
+  });
+  Apply(L"{\"resp\":[{\"file_path\":\"C:\\a.docx\",\"is_sync_file\":\"true\"},"
+        L"{\"file_path\":\"C:\\b.docx\",\"is_sync_file\":\"true\"}]}");
+  SetCapturedLogObserver(nullptr);
+
+  EXPECT_FALSE(cache.Contains(L"C:\\a.docx"));
+  EXPECT_EQ(cache.Find(L"C:\\b.docx").is_sync_file, 1u);
+  for (const auto& line : CapturedLog()) EXPECT_NE(line.level, LogLevel::Error) << ToUtf8(line.message);
 }

@@ -1,4 +1,5 @@
 #pragma once
+#include <functional>
 #include <string>
 #include <utility>
 #include <vector>
@@ -18,3 +19,8 @@ std::vector<CapturedLine>& CapturedLog();
 void ClearCapturedLog();
 // Only the messages, in order, optionally without Debug lines.
 std::vector<std::wstring> CapturedMessages(bool includeDebug = true);
+
+// Called with each line just after it is recorded, on the writing thread: a
+// test can act in the middle of an operation, where another thread could.
+// Lines logged by the observer itself reach it no more. Empty to stop.
+void SetCapturedLogObserver(std::function<void(const CapturedLine&)> observer);

@@ -94,3 +94,24 @@ TEST_F(Cache, UpdatingAFileThatIsNotThereLogsAndChangesNothing) {
   EXPECT_EQ(CapturedLog()[0].level, LogLevel::Error);
   EXPECT_EQ(CapturedLog()[0].message.rfind(L"std exception occurred while updating cache data - ", 0), 0u);
 }
+
+TEST_F(Cache, DoesNotBringBackARecordRemovedWhileItsAnswerWasApplied) {
+  CountingDispatch document;
+  cache.AddFile(L"C:\\a.docx", nullptr, 0, &document, nullptr, nullptr);
+  // The UI thread closes the document between the update's copy and its
+  // write-back (the change tag of is_sync_file is logged in between).
+  SetCapturedLogObserver([&](const CapturedLine& line) {
+    if (line.message == L"5") cache.RemoveFile(L"C:\\a.docx");
+  });
+  AnswerFields answer;
+  answer.file_path = L"C:\\a.docx";
+  answer.is_sync_file = 1;
+  cache.UpdateFile(L"C:\\a.docx", nullptr, 0, answer);
+  SetCapturedLogObserver(nullptr);
+
+  EXPECT_FALSE(cache.Contains(L"C:\\a.docx"));
+  EXPECT_TRUE(cache.records().empty());
+  EXPECT_EQ(document.references, 1);
+  EXPECT_EQ(CapturedMessages(false), (std::vector<std::wstring>{L"file info stored in cache - C:\\a.docx",
+                                                                L"file info removed from cache - C:\\a.docx"}));
+}
