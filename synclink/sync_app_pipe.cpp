@@ -28,8 +28,30 @@ SyncAppPipe& TheSyncAppPipe() {
   return *pipe;
 }
 
+namespace {
+// Owns the exchange lock for one exchange.
+class ExchangeTurn {
+ public:
+  explicit ExchangeTurn(HANDLE lock) : lock_(lock), wait_(lock ? WaitForSingleObject(lock, INFINITE) : WAIT_FAILED) {}
+  ~ExchangeTurn() {
+    if (owned()) ReleaseMutex(lock_);
+  }
+  ExchangeTurn(const ExchangeTurn&) = delete;
+  ExchangeTurn& operator=(const ExchangeTurn&) = delete;
+  // The thread of the previous exchange was ended inside it.
+  bool abandoned() const { return wait_ == WAIT_ABANDONED; }
+
+ private:
+  bool owned() const { return wait_ == WAIT_OBJECT_0 || wait_ == WAIT_ABANDONED; }
+  HANDLE lock_;
+  DWORD wait_;
+};
+}  // namespace
+
 std::wstring SyncAppPipe::Exchange(const std::wstring& request) {
-  std::lock_guard<std::mutex> lock(exchangeLock_);
+  const ExchangeTurn turn(exchangeLock_.get());
+  // Its connection is still open: closing it frees the sync app's instance.
+  if (turn.abandoned()) Close();
   const std::wstring answer =
       Guarded(L"communicating with sync app", std::wstring(L"ERROR"), [&] { return ExchangeLocked(request); });
   if (answer == L"ERROR") Close();  // also after an exception

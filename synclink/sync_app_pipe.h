@@ -3,7 +3,6 @@
 // exchange, one request and one answer, both UTF-16.
 #include <windows.h>
 
-#include <mutex>
 #include <string>
 
 #include "common/unique_resource.h"
@@ -29,8 +28,11 @@ class SyncAppPipe {
   bool Open();
   bool ReadAnswer(std::wstring& answer);
 
-  // The update thread and the UI thread share one pipe object.
-  std::mutex exchangeLock_;
+  // The update thread and the UI thread share one pipe object, one whole
+  // exchange at a time. A kernel mutex, not std::mutex: disconnection may
+  // end the update thread inside an exchange, and only a kernel mutex passes
+  // to the next waiter (abandoned) when its owner is gone.
+  UniqueHandle exchangeLock_{CreateMutexW(nullptr, FALSE, nullptr)};
   HANDLE pipeHandle_ = nullptr;
   std::wstring pipeName_;
   // One spare unit beyond the chunk: a full chunk still ends in a NUL.

@@ -13,6 +13,7 @@
 #include "synclink/cache_mutex.h"
 #include "synclink/event_update_thread.h"
 #include "synclink/file_status_cache.h"
+#include "synclink/sync_app_pipe.h"
 #include "tests/windows/sync_sim_process.h"
 #include "tests/windows/wine_test_support.h"
 
@@ -208,6 +209,38 @@ TEST_F(EventUpdateThread, KeepsTheRecordWhenTheSyncAppHangsUp) {
 
 TEST_F(EventUpdateThread, KeepsTheRecordWhenTheSyncAppIsBusy) {
   ExpectNoRecordChangeWith(L"--busy", "Wait time over, could not open pipe. errcode=121");
+}
+
+TEST_F(EventUpdateThread, LeavesThePipeToTheNextExchangeWhenEndedInsideOne) {
+  const std::wstring requestsFile = FreshTempPath(L"thread-ended-requests.txt");
+  SyncSimProcess syncApp;
+  ASSERT_TRUE(syncApp.Start(L"--delay 3000 --record " + Quoted(requestsFile)));
+  StartThread();
+  ASSERT_TRUE(WaitUntil([&] { return ReadLines(requestsFile).size() >= 1; }, 10000));
+  // Disconnection while the thread waits for the slow answer: it is ended.
+  StopThread();
+
+  // The next exchange, as the UI thread makes one when a document closes,
+  // on a thread of its own so that a hang fails the test instead of it.
+  struct NextExchange {
+    std::wstring answer;
+  } next;
+  UniqueHandle exchange(CreateThread(
+      nullptr, 0,
+      [](LPVOID context) -> DWORD {
+        static_cast<NextExchange*>(context)->answer = TheSyncAppPipe().Exchange(L"{\"files\":[]}");
+        return 0;
+      },
+      &next, 0, nullptr));
+  ASSERT_TRUE(exchange);
+  const DWORD waited = WaitForSingleObject(exchange.get(), 15000);
+  if (waited != WAIT_OBJECT_0) TerminateThread(exchange.get(), 1);
+  ASSERT_EQ(waited, WAIT_OBJECT_0) << "the exchange still waits for the thread that was ended";
+  EXPECT_EQ(Narrow(next.answer), "{\"resp\":[]}");
+  const auto requests = ReadLines(requestsFile);
+  ASSERT_EQ(requests.size(), 2u);
+  EXPECT_EQ(requests[1], "{\"files\":[]}");
+  syncApp.Stop();
 }
 
 TEST(CacheLock, IsTheNamedMutexSharedByEveryOfficeProcess) {
