@@ -49,7 +49,7 @@ const IID& DocumentInterface(int sinkId) {
 // The document argument comes by reference (VT_BYREF|VT_DISPATCH); a plain
 // VT_DISPATCH is taken too.
 IDispatch* DocumentArgument(const DISPPARAMS* params) {
-  if (params == nullptr || params->cArgs == 0) return nullptr;
+  if (params == nullptr || params->cArgs == 0 || params->rgvarg == nullptr) return nullptr;
   const VARIANT& first = params->rgvarg[params->cArgs - 1];  // arguments arrive in reverse order
   if (first.vt == (VT_BYREF | VT_DISPATCH)) return first.ppdispVal ? *first.ppdispVal : nullptr;
   if (first.vt == VT_DISPATCH) return first.pdispVal;

@@ -2,19 +2,22 @@
 
 #include <vector>
 
+#include "common/office_app.h"
 #include "common/text.h"
 
 HRESULT DispatchName::Resolve(IDispatch* object, DISPID* id) {
-  if (resolved_) {
-    *id = id_;
+  const int host = static_cast<int>(OfficeApp);
+  const int slot = host >= 0 && host < kHostSlots ? host : 0;
+  if (resolved_[slot]) {
+    *id = ids_[slot];
     return S_OK;
   }
   LPOLESTR names[] = {const_cast<LPOLESTR>(name_)};
   DISPID found = DISPID_UNKNOWN;
   const HRESULT hr = object->GetIDsOfNames(IID_NULL, names, 1, LOCALE_USER_DEFAULT, &found);
   if (FAILED(hr)) return hr;  // not cached: another object may know the name
-  id_ = found;
-  resolved_ = true;
+  ids_[slot] = found;
+  resolved_[slot] = true;
   *id = found;
   return S_OK;
 }

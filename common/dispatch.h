@@ -1,7 +1,8 @@
 #pragma once
 // Calls into Office's object model by member name. Each call site keeps a
-// static DispatchName, so the name is resolved with GetIDsOfNames once (on
-// the first object that knows it) and later calls go straight to Invoke.
+// static DispatchName, so the name is resolved with GetIDsOfNames once per
+// host (on the first object that knows it) and later calls go straight to
+// Invoke.
 #include <windows.h>
 #include <oaidl.h>
 
@@ -16,13 +17,19 @@ class DispatchName {
  public:
   explicit DispatchName(const wchar_t* name) noexcept : name_(name) {}
   const wchar_t* name() const noexcept { return name_; }
-  // The member's DISPID on this object, resolved once and then cached.
+  // The member's DISPID on this object, resolved once for the running host
+  // (OfficeApp) and then cached.
   HRESULT Resolve(IDispatch* object, DISPID* id);
 
  private:
+  // Word, Excel and PowerPoint number a member of the same name
+  // differently, so a DISPID learnt from one host is never used on another
+  // (a process that plays several hosts in turn, as the tests do, would
+  // otherwise call the wrong member).
+  static const int kHostSlots = 4;
   const wchar_t* name_;
-  DISPID id_ = DISPID_UNKNOWN;
-  bool resolved_ = false;
+  DISPID ids_[kHostSlots] = {DISPID_UNKNOWN, DISPID_UNKNOWN, DISPID_UNKNOWN, DISPID_UNKNOWN};
+  bool resolved_[kHostSlots] = {false, false, false, false};
 };
 
 // A failed object-model call, carrying its HRESULT; what() names the member.

@@ -237,6 +237,16 @@ TEST_P(HostEventSink, ANullDocumentArgumentIsToleratedToo) {
   EXPECT_TRUE(host_.CachedPaths().empty());
 }
 
+TEST_P(HostEventSink, ArgumentsWithoutTheirArrayAreToleratedToo) {
+  const HostEventIds ids = IdsOf(GetParam());
+  DISPPARAMS params{nullptr, nullptr, ids.openArgs, 0};
+  VARIANT result;
+  VariantInit(&result);
+  EXPECT_EQ(sink_->Invoke(ids.open, IID_NULL, LOCALE_USER_DEFAULT, DISPATCH_METHOD, &params, &result, nullptr, nullptr),
+            S_OK);
+  EXPECT_TRUE(host_.CachedPaths().empty());
+}
+
 TEST_P(HostEventSink, OnlyTheRunningHostsSinkFindsAConnectionPoint) {
   // Advised in SetUp; a second subscription of another host's sink finds no connection point.
   for (const SimHost other : {SimHost::Word, SimHost::Excel, SimHost::PowerPoint}) {

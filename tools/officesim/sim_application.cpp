@@ -60,7 +60,7 @@ SimApplication::SimApplication(SimHost host, HWND mainWindow)
     return ReturnString(result, L"\\");
   });
   // Word's Quit takes three optional arguments; Excel's and PowerPoint's none.
-  AddMember(L"Quit", 0x451, [this](WORD, const std::vector<VARIANT*>& args, VARIANT*) {
+  AddMethod(L"Quit", 0x451, [this](WORD, const std::vector<VARIANT*>& args, VARIANT*) {
     if (args.size() > (host_ == SimHost::Word ? 3u : 0u)) return DISP_E_BADPARAMCOUNT;
     std::printf("officesim: Quit called\n");
     quitRequested_ = true;
@@ -117,7 +117,7 @@ void SimApplication::AddCollection(const wchar_t* name, DISPID id) {
     SimDocument* found = index.vt == VT_BSTR ? FindDocument(index.bstrVal) : nullptr;
     VariantClear(&index);
     return found ? ReturnObject(result, found) : DISP_E_BADINDEX;
-  });
+  }, Kind::Indexed);
   AddMember(name, id, [this](WORD, const std::vector<VARIANT*>&, VARIANT* result) {
     return ReturnObject(result, collection_);
   });

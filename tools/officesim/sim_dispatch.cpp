@@ -2,8 +2,8 @@
 
 SimDispatch::SimDispatch(std::wstring typeName) : typeName_(std::move(typeName)) {}
 
-void SimDispatch::AddMember(const std::wstring& name, DISPID id, Handler handler) {
-  members_.push_back({name, id, std::move(handler)});
+void SimDispatch::AddMember(const std::wstring& name, DISPID id, Handler handler, Kind kind) {
+  members_.push_back({name, id, std::move(handler), kind});
 }
 
 void SimDispatch::RemoveMember(const std::wstring& name) {
@@ -64,8 +64,23 @@ HRESULT SimDispatch::Invoke(DISPID id, REFIID, LCID, WORD flags, DISPPARAMS* par
     if (member.id != id) continue;
     std::vector<VARIANT*> args;
     if (params != nullptr) {
+      if (params->cArgs > 0 && params->rgvarg == nullptr) return E_INVALIDARG;
       for (UINT i = params->cArgs; i > 0; --i) args.push_back(&params->rgvarg[i - 1]);
     }
+    const bool asMethod = (flags & DISPATCH_METHOD) != 0;
+    const bool asGet = (flags & DISPATCH_PROPERTYGET) != 0;
+    const bool asPut = (flags & (DISPATCH_PROPERTYPUT | DISPATCH_PROPERTYPUTREF)) != 0;
+    if (member.kind == Kind::Method && !asMethod) return DISP_E_MEMBERNOTFOUND;
+    if (member.kind == Kind::Property) {
+      if (!asGet && !asPut) return DISP_E_MEMBERNOTFOUND;
+      if (!asPut && !args.empty()) return DISP_E_BADPARAMCOUNT;
+      // A put names its value DISPID_PROPERTYPUT, as every automation client must.
+      const bool namedPut = params != nullptr && params->cNamedArgs == 1 && params->rgdispidNamedArgs != nullptr &&
+                            params->rgdispidNamedArgs[0] == DISPID_PROPERTYPUT;
+      if (asPut && !namedPut) return DISP_E_PARAMNOTFOUND;
+      if (asPut && args.size() != 1) return DISP_E_BADPARAMCOUNT;
+    }
+    if (member.kind == Kind::Indexed && !asMethod && !asGet) return DISP_E_MEMBERNOTFOUND;
     if (flags & DISPATCH_METHOD) {
       std::wstring call = member.name + L"(";
       for (size_t i = 0; i < args.size(); ++i) call += (i ? L", " : L"") + DescribeArgument(args[i]);

@@ -8,6 +8,7 @@
 #include <atomic>
 #include <functional>
 #include <string>
+#include <utility>
 #include <vector>
 
 class SimDispatch : public IDispatch {
@@ -16,10 +17,20 @@ class SimDispatch : public IDispatch {
   // Return DISP_E_EXCEPTION (through Fail) to report a failing member.
   using Handler = std::function<HRESULT(WORD flags, const std::vector<VARIANT*>& args, VARIANT* result)>;
 
+  // How a member may be invoked. Office's dispatch goes by its type
+  // library: a property answers DISPATCH_PROPERTYGET/PUT (a get takes no
+  // arguments), a method DISPATCH_METHOD; anything else is
+  // DISP_E_MEMBERNOTFOUND. An indexed member (a collection's Item) takes
+  // either, with arguments.
+  enum class Kind { Property, Method, Indexed };
+
   explicit SimDispatch(std::wstring typeName);
   virtual ~SimDispatch() = default;
 
-  void AddMember(const std::wstring& name, DISPID id, Handler handler);
+  void AddMember(const std::wstring& name, DISPID id, Handler handler, Kind kind = Kind::Property);
+  void AddMethod(const std::wstring& name, DISPID id, Handler handler) {
+    AddMember(name, id, std::move(handler), Kind::Method);
+  }
   // Takes a member away, as an older version of the host lacks it.
   void RemoveMember(const std::wstring& name);
   // Interfaces answered besides IUnknown and IDispatch (the host's own
@@ -46,6 +57,7 @@ class SimDispatch : public IDispatch {
     std::wstring name;
     DISPID id;
     Handler handler;
+    Kind kind;
   };
   std::wstring typeName_;
   std::vector<Member> members_;

@@ -76,12 +76,12 @@ SimDocument::SimDocument(SimApplication& application, SimHost host, const std::w
     return ReturnBool(r, saved_);
   });
   // Word's Save takes two optional arguments; Excel's and PowerPoint's none.
-  AddMember(L"Save", 0x5, [this](WORD, const std::vector<VARIANT*>& args, VARIANT*) {
+  AddMethod(L"Save", 0x5, [this](WORD, const std::vector<VARIANT*>& args, VARIANT*) {
     if (args.size() > (host_ == SimHost::Word ? 2u : 0u)) return DISP_E_BADPARAMCOUNT;
     return Save() ? S_OK : DISP_E_EXCEPTION;
   });
-  AddMember(L"Close", 0x6, [this](WORD, const std::vector<VARIANT*>& args, VARIANT*) { return CloseMember(args); });
-  AddMember(L"SaveCopyAs", 0x7,
+  AddMethod(L"Close", 0x6, [this](WORD, const std::vector<VARIANT*>& args, VARIANT*) { return CloseMember(args); });
+  AddMethod(L"SaveCopyAs", 0x7,
             [this](WORD, const std::vector<VARIANT*>& args, VARIANT*) { return SaveCopyAsMember(args); });
   if (host == SimHost::Word) {
     window_ = new SimDispatch(L"Window");
