@@ -40,6 +40,8 @@ TEST_F(OpenCloseEndToEnd, WordReportsTheOpenWithinTheEventsCycleAndTheCloseAtOnc
   syncApp.Stop();
   ASSERT_EQ(run.exitCode, 0u) << run.output;
   EXPECT_NE(run.output.find("application references at exit = 1"), std::string::npos) << run.output;
+  // Office hands the add-in its COMAddIn object; nothing of it is kept past the disconnection.
+  EXPECT_NE(run.output.find("on its COMAddIn = 0"), std::string::npos) << run.output;
 
   // The thread's first cycle at start, the open event's cycle, the close,
   // and the last request at disconnection; no periodic cycle in between.

@@ -16,6 +16,8 @@ struct LoadedAddin {
   std::wstring progId;
   ComPtr<_IDTExtensibility2> addin;
   UniqueModule module;  // set when the class was found without COM's help
+  // The COMAddIn object Office hands to OnConnection as AddInInst.
+  ComPtr<IDispatch> instance;
 };
 
 // Creates every add-in listed for the host with LoadBehavior 3, prints the

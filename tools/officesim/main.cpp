@@ -19,6 +19,7 @@
 #include "tools/officesim/host_script.h"
 #include "tools/officesim/resource_counts.h"
 #include "tools/officesim/sim_application.h"
+#include "tools/officesim/sim_dispatch.h"
 
 namespace {
 // Without a window manager under Xvfb there is no title bar: the window
@@ -92,14 +93,31 @@ double MillisecondsSince(const LARGE_INTEGER& start) {
   return 1000.0 * static_cast<double>(now.QuadPart - start.QuadPart) / static_cast<double>(frequency.QuadPart);
 }
 
+// Office's COMAddIn object for one add-in, which OnConnection receives as
+// AddInInst: its ProgId, its description and whether it is connected.
+ComPtr<IDispatch> CreateAddinInstance(const std::wstring& progId) {
+  auto* instance = new SimDispatch(L"COMAddIn");
+  instance->AddMember(L"ProgId", 0x0, [progId](WORD, const std::vector<VARIANT*>&, VARIANT* result) {
+    return ReturnString(result, progId);
+  });
+  instance->AddMember(L"Description", 0x1, [progId](WORD, const std::vector<VARIANT*>&, VARIANT* result) {
+    return ReturnString(result, progId);
+  });
+  instance->AddMember(L"Connect", 0x6, [](WORD, const std::vector<VARIANT*>&, VARIANT* result) {
+    return ReturnBool(result, true);
+  });
+  return ComPtr<IDispatch>::Attach(instance);
+}
+
 // Office's start-up: connect every add-in, then tell them start-up is done.
 // An add-in whose OnConnection fails is not kept.
 void ConnectAddins(std::vector<LoadedAddin>& addins, SimApplication& application, SAFEARRAY* custom) {
   for (auto it = addins.begin(); it != addins.end();) {
     LARGE_INTEGER start;
     QueryPerformanceCounter(&start);
+    if (!it->instance) it->instance = CreateAddinInstance(it->progId);
     // The connect mode Office passes when it loads an add-in at its own start-up.
-    const HRESULT hr = it->addin->OnConnection(&application, 3, nullptr, &custom);
+    const HRESULT hr = it->addin->OnConnection(&application, 3, it->instance.get(), &custom);
     std::printf("officesim: %s OnConnection returned 0x%08lX in %.3f ms\n", ToUtf8(it->progId).c_str(),
                 static_cast<unsigned long>(hr), MillisecondsSince(start));
     if (FAILED(hr)) {
@@ -125,6 +143,9 @@ void DisconnectAddins(std::vector<LoadedAddin>& addins, SAFEARRAY* custom) {
                 static_cast<unsigned long>(hr), MillisecondsSince(start));
     loaded.addin.reset();
     FreeAddinModule(loaded);
+    // Whatever the add-in kept of its COMAddIn object must be back by now.
+    std::printf("officesim: references held by %s on its COMAddIn = %ld\n", ToUtf8(loaded.progId).c_str(),
+                static_cast<SimDispatch*>(loaded.instance.get())->references() - 1);
   }
   addins.clear();
   CoFreeUnusedLibraries();
