@@ -21,6 +21,10 @@
 #include "synclink/event_update_thread.h"
 
 namespace {
+// TerminateThread returns before the thread has ended; ending it takes no
+// more than a moment, so this only bounds a wait that should never last.
+constexpr DWORD kThreadGoneWaitMs = 1000;
+
 // The host's _Application interfaces, from each host's type library.
 const IID kWordApplication = {0x00020970, 0x0000, 0x0000, {0xC0, 0x00, 0x00, 0x00, 0x00, 0x00, 0x00, 0x46}};
 const IID kExcelApplication = {0x000208D5, 0x0000, 0x0000, {0xC0, 0x00, 0x00, 0x00, 0x00, 0x00, 0x00, 0x46}};
@@ -77,17 +81,34 @@ HRESULT CConnect::Create(REFIID iid, void** object) {
 CConnect::CConnect() { ModuleAddRef(); }
 
 CConnect::~CConnect() {
-  // Office releases an add-in whose connection failed without
-  // disconnecting it; its thread and timer must not outlive the object,
-  // or they would run on in a DLL that may be unloaded next.
-  if (partsRunning_) {
-    if (EventUpdateThreadHandle) StopEventUpdateThread(EventUpdateThreadHandle.get());
-    if (CustomUiTimerId != 0) KillTimer(nullptr, CustomUiTimerId);
-  }
+  if (connected_) ReleaseWhatConnectionLeft();
   // Disconnection leaves the thread handle alone; the object's end is
-  // where it is given back.
+  // where it is given back. A terminated thread may still be on its way
+  // out: the module count drops (and the DLL may go) only once it is gone.
+  if (EventUpdateThreadHandle) WaitForSingleObject(EventUpdateThreadHandle.get(), kThreadGoneWaitMs);
   EventUpdateThreadHandle.reset();
   ModuleRelease();
+}
+
+// Office releases an add-in whose connection failed without disconnecting
+// it, and may unload the DLL right after. Whatever that connection set up
+// would then run on into unmapped code (the thread, the timer, the
+// exception handler, which Windows calls for every exception in Office),
+// the sink would stay advised and the host would keep our reference on its
+// application. No disconnection took place, so nothing is logged.
+void CConnect::ReleaseWhatConnectionLeft() {
+  connected_ = false;
+  if (EventUpdateThreadHandle) StopEventUpdateThread(EventUpdateThreadHandle.get());
+  if (CustomUiTimerId != 0) KillTimer(nullptr, CustomUiTimerId);
+  CustomUiTimerId = 0;
+  if (OfficeApp == OfficeHost::Word || OfficeApp == OfficeHost::Excel || OfficeApp == OfficeHost::PowerPoint) {
+    ComPtr<IDispatch>& slot = ApplicationSlot(OfficeApp);
+    sinks_.Unsubscribe(OfficeApp, slot.get());
+    slot.reset();
+  }
+  ShutdownGdiplus();
+  if (VectoredHandlerHandle != nullptr) RemoveVectoredExceptionHandler(VectoredHandlerHandle);
+  VectoredHandlerHandle = nullptr;
 }
 
 HRESULT CConnect::QueryInterface(REFIID iid, void** object) {
@@ -180,6 +201,7 @@ HRESULT CConnect::OnConnection(IDispatch* application, int, IDispatch*, SAFEARRA
   // for whatever the rest of the start-up does.
   VectoredHandlerHandle = AddVectoredExceptionHandler(0, HeapCorruptionHandler);
   const DWORD vehError = GetLastError();
+  connected_ = true;
 
   HRESULT result = S_OK;
   Guarded(L"office app tries to connect", 0, [&] {
@@ -230,14 +252,17 @@ HRESULT CConnect::ConnectToHost(IDispatch* application, HRESULT& result) {
 }
 
 void CConnect::StartRunningParts() {
-  partsRunning_ = true;
   ImmediateUpdateEvent.reset(CreateEventW(nullptr, TRUE, FALSE, L"immediatelyUpdateEvent"));
   if (!ImmediateUpdateEvent) LogLastError(L"couldn't create ms office immediately update event");
 
   DWORD threadId = 0;
-  EventUpdateThreadHandle.reset(CreateThread(nullptr, 0, EventUpdateThreadProc, nullptr, 0, &threadId));
+  // Named before it runs: its first line must carry its name, and the name
+  // map has no lock against the thread reading it while it is written.
+  EventUpdateThreadHandle.reset(
+      CreateThread(nullptr, 0, EventUpdateThreadProc, nullptr, CREATE_SUSPENDED, &threadId));
   if (EventUpdateThreadHandle) {
     NameThread(threadId, L"EvntUpdate");
+    ResumeThread(EventUpdateThreadHandle.get());
   } else {
     LogLastError(L"couldn't create ms office event update thread");
   }
@@ -264,6 +289,7 @@ void CConnect::StartRunningParts() {
 }
 
 HRESULT CConnect::OnDisconnection(int, SAFEARRAY**) {
+  connected_ = false;
   Guarded(L"office app tries to disconnect", 0, [&] {
     WriteLog(LogLevel::Info, L"office app disconnects");
     EmptyCacheAtDisconnection();
@@ -297,7 +323,6 @@ void CConnect::DisconnectFromHost() {
 }
 
 void CConnect::StopRunningParts() {
-  partsRunning_ = false;
   if (VectoredHandlerHandle != nullptr) {
     if (RemoveVectoredExceptionHandler(VectoredHandlerHandle) == 0) {
       LogLastError(L"couldn't remove VEH");

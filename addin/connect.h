@@ -47,12 +47,14 @@ class CConnect final : public IConnect, public _IDTExtensibility2 {
   void StartRunningParts();
   void DisconnectFromHost();
   void StopRunningParts();
+  void ReleaseWhatConnectionLeft();
 
   std::atomic<ULONG> references_{1};
   HostEventSinks sinks_;
   UniqueHandle EventUpdateThreadHandle;
   UINT_PTR CustomUiTimerId = 0;
-  // Set once the running parts were started and not yet stopped: a host
-  // that drops us after a failed connection never calls OnDisconnection.
-  bool partsRunning_ = false;
+  // Set from the connection until the disconnection: a host that drops us
+  // after a failed connection never calls OnDisconnection, and what the
+  // connection set up must not outlive the object (nor the DLL).
+  bool connected_ = false;
 };

@@ -5,6 +5,7 @@
 #include <atomic>
 
 #include "addin/class_factory.h"
+#include "log/addin_log.h"
 #include "overlay/window_classes.h"
 
 extern "C" IMAGE_DOS_HEADER __ImageBase;
@@ -39,5 +40,9 @@ extern "C" HRESULT __stdcall DllCanUnloadNow() {
   // Windows does not unregister a DLL's window classes when the DLL goes;
   // a class left behind would point at code that is no longer mapped.
   UnregisterOverlayWindowClasses(ModuleInstance());
+  // Nor does it close a file that an unloaded DLL left open: the log would
+  // stay held without delete sharing, and every other Office process's
+  // rotation would fail for as long as this process lives.
+  CloseAddinLogFile();
   return S_OK;
 }

@@ -10,6 +10,10 @@
 #include "log/write_log.h"
 
 namespace {
+// Whether GdiplusToken belongs to a start-up of ours that has not been
+// ended yet.
+bool gdiplusStarted = false;
+
 bool InitCommonControlClass(DWORD controlClass) {
   // Inside our own activation context so that version 6 of the common
   // controls (the one our manifest asks for) is the one initialised.
@@ -25,6 +29,7 @@ void InitUiToolkit() {
   if (status != Gdiplus::Ok) {
     WriteLog(LogLevel::Error, L"couldn't initialize win GDI+ - " + std::to_wstring(static_cast<int>(status)));
   } else {
+    gdiplusStarted = true;
     WriteLog(LogLevel::Info, L"win GDI+ initialized");
   }
 
@@ -43,7 +48,16 @@ void InitUiToolkit() {
 }
 
 void ShutdownUiToolkit() {
+  ShutdownGdiplus();
+  WriteLog(LogLevel::Info, L"win GDI+ uninitialized");
+}
+
+void ShutdownGdiplus() {
+  // GDI+ counts start-ups across the process and Office uses it too: a
+  // shutdown without a start-up of ours (an idle add-in, a failed start-up)
+  // would end Office's.
+  if (!gdiplusStarted) return;
   Gdiplus::GdiplusShutdown(GdiplusToken);
   GdiplusToken = 0;
-  WriteLog(LogLevel::Info, L"win GDI+ uninitialized");
+  gdiplusStarted = false;
 }

@@ -22,6 +22,10 @@ std::wstring CurrentTimestamp() {
 void InstallAddinLog(std::unique_ptr<AddinLog> log) { AddinLogSlot() = std::move(log); }
 AddinLog* CurrentAddinLog() { return AddinLogSlot().get(); }
 
+void CloseAddinLogFile() {
+  if (AddinLog* log = CurrentAddinLog()) log->Close();
+}
+
 HANDLE LogMutex() {
   static const HANDLE mutex = CreateMutexW(nullptr, FALSE, L"QelvoFilewell" L"-MSOfficeIntegration-logmutex");
   return mutex;
@@ -45,6 +49,13 @@ void AddinLog::WriteLine(LogLevel level, const std::wstring& message) {
     AppendLine(L"D", L"closes log file handle");
     CloseFile();
   }
+  if (mutex) ReleaseMutex(mutex);
+}
+
+void AddinLog::Close() {
+  const HANDLE mutex = LogMutex();
+  if (mutex) WaitForSingleObject(mutex, 5000);
+  CloseFile();
   if (mutex) ReleaseMutex(mutex);
 }
 

@@ -20,6 +20,9 @@ class AddinLog {
   // Writes one line under the named log mutex, rotating first if needed.
   void WriteLine(LogLevel level, const std::wstring& message);
 
+  // Lets go of the file (under the mutex); the next line opens it again.
+  void Close();
+
   const std::wstring& logPath() const { return logPath_; }
   const std::wstring& rotatedPath() const { return rotatedPath_; }
 
@@ -40,6 +43,10 @@ class AddinLog {
 void InstallAddinLog(std::unique_ptr<AddinLog> log);
 // The process-wide log object, or null before InitLogFolder.
 AddinLog* CurrentAddinLog();
+
+// Closes the process-wide log's file, if there is one: for the module's
+// unloading, after which nothing of ours would ever close it.
+void CloseAddinLogFile();
 
 // The named mutex that serialises all writers of all processes; created on
 // first use and kept for the life of the process (null if creation failed).
