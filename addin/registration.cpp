@@ -3,6 +3,7 @@
 // the Office add-in keys, and the type library.
 #include <windows.h>
 #include <oleauto.h>
+#include <wchar.h>
 
 #include "addin/QSyncMSOfficeAddin.h"
 #include "addin/module.h"
@@ -126,7 +127,9 @@ extern "C" HRESULT __stdcall DllUnregisterServer() {
 
 extern "C" HRESULT __stdcall DllInstall(BOOL install, LPCWSTR commandLine) {
   const bool previousMode = g_perUserRegistration;
-  if (commandLine != nullptr && lstrcmpiW(commandLine, L"user") == 0) g_perUserRegistration = true;
+  // A plain comparison without regard to case: lstrcmpiW's linguistic one
+  // would take texts that merely sort like "user" (ignorable characters).
+  if (commandLine != nullptr && _wcsicmp(commandLine, L"user") == 0) g_perUserRegistration = true;
 
   HRESULT hr;
   if (!install) {

@@ -35,6 +35,16 @@ TEST(DllImage, CarriesTheProjectNameIconManifestAndTypeLibrary) {
   EXPECT_NE(FindResourceW(module.get(), MAKEINTRESOURCEW(1), L"TYPELIB"), nullptr);
 }
 
+TEST(DllImage, CarriesAnApplicationIdScriptThatWritesNothing) {
+  UniqueModule module(LoadLibraryExW(AddinDllPath().c_str(), nullptr, LOAD_LIBRARY_AS_DATAFILE));
+  ASSERT_TRUE(module);
+  HRSRC found = FindResourceW(module.get(), MAKEINTRESOURCEW(101), L"REGISTRY");
+  ASSERT_NE(found, nullptr);
+  const char* text = static_cast<const char*>(LockResource(LoadResource(module.get(), found)));
+  ASSERT_NE(text, nullptr);
+  EXPECT_EQ(std::string(text, SizeofResource(module.get(), found)), "HKCR\r\n{\r\n}\r\n");
+}
+
 TEST(DllImage, TypeLibraryHoldsTheDualIConnectAndTheCoclassConnect) {
   ComPtr<ITypeLib> library;
   ASSERT_EQ(LoadTypeLibEx(AddinDllPath().c_str(), REGKIND_NONE, library.put()), S_OK);

@@ -114,6 +114,13 @@ TEST_F(Registration, TakesTheUserCommandLineInAnyCase) {
   ExpectClassKeys(HKEY_CURRENT_USER);
 }
 
+TEST_F(Registration, TakesNoOtherCommandLineForTheUser) {
+  // Texts that a linguistic comparison would call equal to "user".
+  ASSERT_EQ(install_(TRUE, L"us\u00ADer"), S_OK);
+  EXPECT_FALSE(KeyExists(HKEY_CURRENT_USER, L"Software\\Classes\\CLSID\\" + kClsid));
+  ExpectClassKeys(HKEY_LOCAL_MACHINE);
+}
+
 TEST_F(Registration, PerUserUninstallRemovesWhatItWroteAndKeepsTheParents) {
   ASSERT_EQ(install_(TRUE, L"user"), S_OK);
   ASSERT_EQ(install_(FALSE, L"user"), S_OK);
