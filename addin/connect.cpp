@@ -202,6 +202,8 @@ HRESULT CConnect::OnConnection(IDispatch* application, int, IDispatch*, SAFEARRA
   VectoredHandlerHandle = AddVectoredExceptionHandler(0, HeapCorruptionHandler);
   const DWORD vehError = GetLastError();
   connected_ = true;
+  const bool pinned = PinModule();
+  const DWORD pinError = GetLastError();
 
   HRESULT result = S_OK;
   Guarded(L"office app tries to connect", 0, [&] {
@@ -214,6 +216,7 @@ HRESULT CConnect::OnConnection(IDispatch* application, int, IDispatch*, SAFEARRA
     } else {
       WriteLog(LogLevel::Error, L"couldn't add VEH - " + std::to_wstring(vehError));
     }
+    if (!pinned) WriteLog(LogLevel::Error, L"couldn't keep add-in module loaded - " + std::to_wstring(pinError));
     if (ConnectToHost(application, result) == S_OK) StartRunningParts();
     return 0;
   });

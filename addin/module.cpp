@@ -22,6 +22,18 @@ std::wstring ModulePath() {
   return std::wstring(path, length);
 }
 
+// A connected add-in sets up what lives as long as the process: the named
+// mutexes, the update thread's stop event, the log object, and the
+// statically linked runtime's record of the host's UI thread and its
+// emergency exception pool. None of that can be given back when the DLL
+// unloads, so each unload and reload would leave another set behind (six
+// handles and some 90 KB each time); a DLL that stays keeps the one set.
+bool PinModule() {
+  HMODULE module = nullptr;
+  return GetModuleHandleExW(GET_MODULE_HANDLE_EX_FLAG_FROM_ADDRESS | GET_MODULE_HANDLE_EX_FLAG_PIN,
+                            reinterpret_cast<LPCWSTR>(&__ImageBase), &module) != FALSE;
+}
+
 void ModuleAddRef() { ++g_moduleReferences; }
 void ModuleRelease() { --g_moduleReferences; }
 long ModuleReferenceCount() { return g_moduleReferences.load(); }

@@ -114,16 +114,21 @@ TEST_F(Connection, GoesOnWithoutTheImmediateUpdateEvent) {
   EXPECT_EQ(MessagesOfThread(lines, "EvntUpdate").at(0), "event update thread starts");
 }
 
+// What the heap may still commit for its own bookkeeping: four pages.
+constexpr unsigned long long kPrivateBytesJitter = 4 * 4096;
+
 TEST_F(Connection, HundredConnectionsLeaveNoHandlesGdiObjectsOrMemoryBehind) {
   const ProcessResult run = RunHost(L"WINWORD.EXE", L"--cycles 100");
   ASSERT_EQ(run.exitCode, 0u) << run.output;
   const std::regex counts("resources after cycle (\\d+): handles=(\\d+) gdi=(\\d+) user=(\\d+) private=(\\d+)");
-  auto begin = std::sregex_iterator(run.output.begin(), run.output.end(), counts);
+  std::vector<int> cycles;
   std::vector<std::vector<unsigned long long>> values;
-  for (auto it = begin; it != std::sregex_iterator(); ++it) {
+  for (auto it = std::sregex_iterator(run.output.begin(), run.output.end(), counts); it != std::sregex_iterator();
+       ++it) {
+    cycles.push_back(std::stoi((*it)[1]));
     values.push_back({std::stoull((*it)[2]), std::stoull((*it)[3]), std::stoull((*it)[4]), std::stoull((*it)[5])});
   }
-  ASSERT_EQ(values.size(), 2u) << run.output;
+  ASSERT_EQ(cycles, (std::vector<int>{1, 2, 100})) << run.output;
   EXPECT_NE(run.output.find("application references at exit = 1"), std::string::npos);
   // Every cycle wrote its full connection and disconnection.
   size_t disconnected = 0;
@@ -131,15 +136,20 @@ TEST_F(Connection, HundredConnectionsLeaveNoHandlesGdiObjectsOrMemoryBehind) {
     disconnected += message == "office app disconnected";
   }
   EXPECT_EQ(disconnected, 100u);
-  // A host that cannot count (every figure 0) proves nothing about leaks.
-  if (values[0] == std::vector<unsigned long long>{0, 0, 0, 0}) {
-    GTEST_SKIP() << "the simulated host read no resource counts: " << run.output;
-  }
-  EXPECT_EQ(values[1][0], values[0][0]) << "handles";
-  EXPECT_EQ(values[1][1], values[0][1]) << "GDI objects";
-  EXPECT_EQ(values[1][2], values[0][2]) << "USER objects";
-  // 99 further cycles: a leak of even a few hundred bytes a cycle shows.
-  EXPECT_LE(values[1][3], values[0][3] + 64 * 1024) << "private bytes";
+  // Every figure is read (under Wine by probing), never a 0 that would hide a leak.
+  for (const auto& figure : values[0]) EXPECT_GT(figure, 0u) << run.output;
+  const auto& first = values[0];
+  const auto& second = values[1];
+  const auto& last = values[2];
+  EXPECT_EQ(last[0], first[0]) << "handles\n" << run.output;
+  EXPECT_EQ(last[1], first[1]) << "GDI objects\n" << run.output;
+  EXPECT_EQ(last[2], first[2]) << "USER objects\n" << run.output;
+  // Memory from the second cycle on: the first connections grow the heap
+  // to what they need at their busiest, and it keeps that. Over the 98
+  // cycles that follow, 170 bytes a cycle already pass the jitter once the
+  // heap must grow for them (Wine's heap grows 64 KiB at a time, so a leak
+  // far smaller may first fill the free space it has).
+  EXPECT_LE(last[3], second[3] + kPrivateBytesJitter) << "private bytes\n" << run.output;
 }
 
 namespace {
@@ -240,4 +250,21 @@ TEST_F(ConnectionInProcess, AModuleThatMayUnloadHoldsTheLogFileNoLonger) {
   ASSERT_FALSE(messages.empty());
   EXPECT_EQ(messages.back(), "office app disconnected");
   DeleteFileW(moved.c_str());
+}
+
+TEST_F(ConnectionInProcess, AModuleThatConnectedOnceStaysLoadedAfterItsLastRelease) {
+  // What a connection sets up for the life of the process (named mutexes,
+  // the runtime's record of this thread) cannot be given back by an
+  // unloading DLL; reloaded a hundred times, it would pile up.
+  _IDTExtensibility2* addin = CreateAddin();
+  ASSERT_NE(addin, nullptr);
+  addin->OnConnection(nullptr, 3, nullptr, nullptr);
+  addin->OnDisconnection(0, nullptr);
+  addin->Release();
+  ASSERT_EQ(canUnloadNow_(), S_OK);
+  const HMODULE mapped = module_.get();
+  module_.reset();
+  HMODULE stillThere = nullptr;
+  EXPECT_TRUE(GetModuleHandleExW(GET_MODULE_HANDLE_EX_FLAG_UNCHANGED_REFCOUNT, AddinDllPath().c_str(), &stillThere));
+  EXPECT_EQ(stillThere, mapped);
 }
