@@ -6,29 +6,29 @@
 #include "addin/heap_corruption_handler.h"
 #include "addin/host_identity.h"
 #include "addin/module.h"
-#include "addin/ui_toolkit.h"
 #include "common/dispatch.h"
-#include "common/exception_barrier.h"
+#include "common/host_application.h"
+#include "common/host_profile.h"
+#include "common/module_instance.h"
 #include "common/office_app.h"
 #include "common/text.h"
-#include "common/win_error.h"
+#include "log/exception_barrier.h"
 #include "log/log_folder.h"
+#include "log/log_last_error.h"
 #include "log/thread_names.h"
 #include "log/write_log.h"
 #include "overlay/custom_ui_updater.h"
+#include "overlay/overlay_windows.h"
+#include "overlay/ui_toolkit.h"
 #include "overlay/window_classes.h"
-#include "synclink/cache_shutdown.h"
 #include "synclink/event_update_thread.h"
+#include "synclink/file_status_cache.h"
+#include "synclink/immediate_update_event.h"
 
 namespace {
 // TerminateThread returns before the thread has ended; ending it takes no
 // more than a moment, so this only bounds a wait that should never last.
 constexpr DWORD kThreadGoneWaitMs = 1000;
-
-// The host's _Application interfaces, from each host's type library.
-const IID kWordApplication = {0x00020970, 0x0000, 0x0000, {0xC0, 0x00, 0x00, 0x00, 0x00, 0x00, 0x00, 0x46}};
-const IID kExcelApplication = {0x000208D5, 0x0000, 0x0000, {0xC0, 0x00, 0x00, 0x00, 0x00, 0x00, 0x00, 0x46}};
-const IID kPowerPointApplication = {0x91493442, 0x5A91, 0x11CF, {0x87, 0x00, 0x00, 0xAA, 0x00, 0x60, 0x26, 0x3B}};
 
 const wchar_t* const kOverlayClassNames[] = {
     L"QelvoFilewellSync-MSOfficeAddin-MainUI",          L"QelvoFilewellSync-MSOfficeAddin-GreenUI",
@@ -37,26 +37,8 @@ const wchar_t* const kOverlayClassNames[] = {
     L"QelvoFilewellSync-MSOfficeAddin-LightGreyHorScrollUI", L"QelvoFilewellSync-MSOfficeAddin-LightBlueHorScrollUI",
 };
 
-ComPtr<IDispatch>& ApplicationSlot(OfficeHost host) {
-  switch (host) {
-    case OfficeHost::Word:
-      return WordApplication;
-    case OfficeHost::Excel:
-      return ExcelApplication;
-    default:
-      return PowerPointApplication;
-  }
-}
-
-const IID& ApplicationInterface(OfficeHost host) {
-  switch (host) {
-    case OfficeHost::Word:
-      return kWordApplication;
-    case OfficeHost::Excel:
-      return kExcelApplication;
-    default:
-      return kPowerPointApplication;
-  }
+void DestroyRecordOverlays(FileStatusRecord& record) {
+  DestroyOverlayWindows(record.subOverlayWindow, record.badgeWindow);
 }
 
 // The five extensibility methods as late-bound callers name them.
@@ -101,10 +83,9 @@ void CConnect::ReleaseWhatConnectionLeft() {
   if (EventUpdateThreadHandle) StopEventUpdateThread(EventUpdateThreadHandle.get());
   if (CustomUiTimerId != 0) KillTimer(nullptr, CustomUiTimerId);
   CustomUiTimerId = 0;
-  if (OfficeApp == OfficeHost::Word || OfficeApp == OfficeHost::Excel || OfficeApp == OfficeHost::PowerPoint) {
-    ComPtr<IDispatch>& slot = ApplicationSlot(OfficeApp);
-    sinks_.Unsubscribe(OfficeApp, slot.get());
-    slot.reset();
+  if (CurrentHostProfile() != nullptr) {
+    sinks_.Unsubscribe(OfficeApp, HostApplication.get());
+    HostApplication.reset();
   }
   ShutdownGdiplus();
   if (VectoredHandlerHandle != nullptr) RemoveVectoredExceptionHandler(VectoredHandlerHandle);
@@ -243,8 +224,10 @@ HRESULT CConnect::ConnectToHost(IDispatch* application, HRESULT& result) {
 
   OfficeApp = host;
   ComPtr<IDispatch> hostApplication;
-  if (application != nullptr) application->QueryInterface(ApplicationInterface(host), hostApplication.put_void());
-  ApplicationSlot(host) = hostApplication;
+  if (application != nullptr) {
+    application->QueryInterface(ProfileOf(host)->applicationInterface, hostApplication.put_void());
+  }
+  HostApplication = hostApplication;
   result = sinks_.Subscribe(host, hostApplication.get());
   static DispatchName version(L"Version");
   const std::wstring versionText = GetStringProperty(hostApplication.get(), version, 0);
@@ -295,7 +278,7 @@ HRESULT CConnect::OnDisconnection(int, SAFEARRAY**) {
   connected_ = false;
   Guarded(L"office app tries to disconnect", 0, [&] {
     WriteLog(LogLevel::Info, L"office app disconnects");
-    EmptyCacheAtDisconnection();
+    TheFileStatusCache().RemoveAll(DestroyRecordOverlays);
     DisconnectFromHost();
     ShutdownUiToolkit();
     StopRunningParts();
@@ -309,12 +292,10 @@ void CConnect::DisconnectFromHost() {
   switch (OfficeApp) {
     case OfficeHost::Word:
     case OfficeHost::Excel:
-    case OfficeHost::PowerPoint: {
-      ComPtr<IDispatch>& slot = ApplicationSlot(OfficeApp);
-      sinks_.Unsubscribe(OfficeApp, slot.get());
-      slot.reset();
+    case OfficeHost::PowerPoint:
+      sinks_.Unsubscribe(OfficeApp, HostApplication.get());
+      HostApplication.reset();
       break;
-    }
     case OfficeHost::None:
       // Also the road of a host we do not serve: OfficeApp stayed 0 for it.
       WriteLog(LogLevel::Error, L"office app disconnects, but unknown exception occurred when office app connected");

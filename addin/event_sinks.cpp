@@ -5,24 +5,15 @@
 #include <atomic>
 
 #include "addin/document_handlers.h"
-#include "common/exception_barrier.h"
-#include "docactions/close_file.h"
+#include "addin/file_closing.h"
+#include "common/host_profile.h"
+#include "log/exception_barrier.h"
 
 namespace {
-// Each host's application-events interface, from its type library.
-const IID kWordApplicationEvents = {0x00020A01, 0x0000, 0x0000, {0xC0, 0x00, 0x00, 0x00, 0x00, 0x00, 0x00, 0x46}};
-const IID kExcelApplicationEvents = {0x00024413, 0x0000, 0x0000, {0xC0, 0x00, 0x00, 0x00, 0x00, 0x00, 0x00, 0x46}};
-const IID kPowerPointApplicationEvents = {0x914934C2, 0x5A91, 0x11CF, {0x87, 0x00, 0x00, 0xAA, 0x00, 0x60, 0x26, 0x3B}};
-
-// Each host's document interface.
-const IID kWordDocument = {0x0002096B, 0x0000, 0x0000, {0xC0, 0x00, 0x00, 0x00, 0x00, 0x00, 0x00, 0x46}};
-const IID kExcelWorkbook = {0x000208DA, 0x0000, 0x0000, {0xC0, 0x00, 0x00, 0x00, 0x00, 0x00, 0x00, 0x46}};
-const IID kPowerPointPresentation = {0x9149349D, 0x5A91, 0x11CF, {0x87, 0x00, 0x00, 0xAA, 0x00, 0x60, 0x26, 0x3B}};
-
 enum class EventKind { OpenOrActivate, BeforeClose };
 
 struct EventEntry {
-  int sinkId;  // 1 Word, 2 Excel, 3 PowerPoint
+  OfficeHost host;
   DISPID dispid;
   UINT parameterCount;
   EventKind kind;
@@ -31,20 +22,16 @@ struct EventEntry {
 
 // The nine events, in the order of their handlers.
 const EventEntry kEventTable[] = {
-    {1, 4, 1, EventKind::OpenOrActivate, L"document opens"},            // DocumentOpen(Doc)
-    {1, 6, 2, EventKind::BeforeClose, L"document before close"},        // DocumentBeforeClose(Doc, Cancel)
-    {1, 10, 2, EventKind::OpenOrActivate, L"document activates"},       // WindowActivate(Doc, Wn)
-    {2, 0x61F, 1, EventKind::OpenOrActivate, L"workbook opens"},        // WorkbookOpen(Wb)
-    {2, 0x622, 2, EventKind::BeforeClose, L"workbook before close"},    // WorkbookBeforeClose(Wb, Cancel)
-    {2, 0x620, 1, EventKind::OpenOrActivate, L"workbook activates"},    // WorkbookActivate(Wb)
-    {3, 2006, 1, EventKind::OpenOrActivate, L"presentation opens"},     // PresentationOpen(Pres)
-    {3, 2004, 1, EventKind::BeforeClose, L"presentation before close"}, // PresentationClose(Pres)
-    {3, 2009, 2, EventKind::OpenOrActivate, L"presentation activates"}, // WindowActivate(Pres, Wn)
+    {OfficeHost::Word, 4, 1, EventKind::OpenOrActivate, L"document opens"},                // DocumentOpen(Doc)
+    {OfficeHost::Word, 6, 2, EventKind::BeforeClose, L"document before close"},            // DocumentBeforeClose(Doc, Cancel)
+    {OfficeHost::Word, 10, 2, EventKind::OpenOrActivate, L"document activates"},           // WindowActivate(Doc, Wn)
+    {OfficeHost::Excel, 0x61F, 1, EventKind::OpenOrActivate, L"workbook opens"},           // WorkbookOpen(Wb)
+    {OfficeHost::Excel, 0x622, 2, EventKind::BeforeClose, L"workbook before close"},       // WorkbookBeforeClose(Wb, Cancel)
+    {OfficeHost::Excel, 0x620, 1, EventKind::OpenOrActivate, L"workbook activates"},       // WorkbookActivate(Wb)
+    {OfficeHost::PowerPoint, 2006, 1, EventKind::OpenOrActivate, L"presentation opens"},   // PresentationOpen(Pres)
+    {OfficeHost::PowerPoint, 2004, 1, EventKind::BeforeClose, L"presentation before close"},  // PresentationClose(Pres)
+    {OfficeHost::PowerPoint, 2009, 2, EventKind::OpenOrActivate, L"presentation activates"},  // WindowActivate(Pres, Wn)
 };
-
-const IID& DocumentInterface(int sinkId) {
-  return sinkId == 1 ? kWordDocument : sinkId == 2 ? kExcelWorkbook : kPowerPointPresentation;
-}
 
 // The document argument comes by reference (VT_BYREF|VT_DISPATCH); a plain
 // VT_DISPATCH is taken too.
@@ -59,15 +46,13 @@ IDispatch* DocumentArgument(const DISPPARAMS* params) {
 void HandleEvent(const EventEntry& entry, IDispatch* documentArgument) {
   // A failed query still reaches the routine, with an empty reference.
   ComPtr<IDispatch> document;
-  if (documentArgument != nullptr) documentArgument->QueryInterface(DocumentInterface(entry.sinkId), document.put_void());
+  if (documentArgument != nullptr) {
+    documentArgument->QueryInterface(ProfileOf(entry.host)->documentInterface, document.put_void());
+  }
   if (entry.kind == EventKind::OpenOrActivate) {
-    if (entry.sinkId == 1) RecordWordDocument(document);
-    if (entry.sinkId == 2) RecordExcelWorkbook(document);
-    if (entry.sinkId == 3) RecordPowerPointPresentation(document);
+    RecordDocument(document);
   } else {
-    // The host's own slot holds the document; Cancel is never touched.
-    OnFileClosing(entry.sinkId == 1 ? document : nullptr, entry.sinkId == 2 ? document : nullptr,
-                  entry.sinkId == 3 ? document : nullptr);
+    OnFileClosing(document);  // Cancel is never touched
   }
 }
 }  // namespace
@@ -75,7 +60,7 @@ void HandleEvent(const EventEntry& entry, IDispatch* documentArgument) {
 // A dispatch-only event receiver for one host's application events.
 class HostEventSink final : public IDispatch {
  public:
-  HostEventSink(int sinkId, const IID& eventInterface) : sinkId_(sinkId), eventInterface_(eventInterface) {}
+  explicit HostEventSink(OfficeHost host) : host_(host), eventInterface_(ProfileOf(host)->applicationEvents) {}
 
   HRESULT STDMETHODCALLTYPE QueryInterface(REFIID iid, void** object) override {
     if (object == nullptr) return E_POINTER;
@@ -109,7 +94,7 @@ class HostEventSink final : public IDispatch {
   HRESULT STDMETHODCALLTYPE Invoke(DISPID dispid, REFIID, LCID, WORD, DISPPARAMS* params, VARIANT*, EXCEPINFO*,
                                    UINT*) override {
     for (const EventEntry& entry : kEventTable) {
-      if (entry.sinkId != sinkId_ || entry.dispid != dispid) continue;
+      if (entry.host != host_ || entry.dispid != dispid) continue;
       if (params == nullptr || params->cArgs != entry.parameterCount) return S_OK;
       IDispatch* document = DocumentArgument(params);
       GuardedVoid(entry.activity, [&] { HandleEvent(entry, document); });
@@ -141,16 +126,16 @@ class HostEventSink final : public IDispatch {
 
  private:
   ~HostEventSink() = default;
-  int sinkId_;
+  OfficeHost host_;
   IID eventInterface_;
   DWORD cookie_ = 0;
   std::atomic<ULONG> references_{1};
 };
 
 HostEventSinks::HostEventSinks()
-    : word_(new HostEventSink(1, kWordApplicationEvents)),
-      excel_(new HostEventSink(2, kExcelApplicationEvents)),
-      powerPoint_(new HostEventSink(3, kPowerPointApplicationEvents)) {}
+    : word_(new HostEventSink(OfficeHost::Word)),
+      excel_(new HostEventSink(OfficeHost::Excel)),
+      powerPoint_(new HostEventSink(OfficeHost::PowerPoint)) {}
 
 HostEventSinks::~HostEventSinks() {
   word_->Release();

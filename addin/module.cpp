@@ -5,6 +5,7 @@
 #include <atomic>
 
 #include "addin/class_factory.h"
+#include "common/module_instance.h"
 #include "log/addin_log.h"
 #include "overlay/window_classes.h"
 
@@ -13,8 +14,6 @@ extern "C" IMAGE_DOS_HEADER __ImageBase;
 namespace {
 std::atomic<long> g_moduleReferences{0};
 }
-
-HINSTANCE ModuleInstance() { return reinterpret_cast<HINSTANCE>(&__ImageBase); }
 
 std::wstring ModulePath() {
   wchar_t path[MAX_PATH * 4];

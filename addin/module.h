@@ -2,9 +2,6 @@
 #include <windows.h>
 #include <string>
 
-// The DLL's own instance handle (never GetModuleHandle(NULL), which is
-// Office's executable).
-HINSTANCE ModuleInstance();
 // The DLL's full path.
 std::wstring ModulePath();
 

@@ -26,7 +26,7 @@ void RunUpdates(benchmark::State& state, bool alternate) {
   FileStatusCache cache;
   std::vector<AnswerFields> variants[2];
   for (size_t i = 0; i < kRecords; ++i) {
-    cache.AddFile(DocumentPath(i), nullptr, 0, nullptr, nullptr, nullptr);
+    cache.AddFile(DocumentPath(i), nullptr, 0, nullptr);
     variants[0].push_back(FieldsFor(i, 0));
     variants[1].push_back(FieldsFor(i, 1));
     cache.UpdateFile(variants[0][i].file_path, nullptr, 0, variants[0][i]);

@@ -1,12 +1,12 @@
 #include "docactions/close_file.h"
 
-#include "addin/connection_state.h"
+#include <vector>
+
 #include "common/dispatch.h"
-#include "common/office_app.h"
+#include "common/host_application.h"
+#include "common/host_profile.h"
 #include "docactions/unsaved_changes.h"
 #include "log/write_log.h"
-#include "synclink/file_status_cache.h"
-#include "synclink/sync_app_pipe.h"
 
 namespace {
 // Calls whose outcome shows in the next unsaved-changes check or in the
@@ -18,142 +18,72 @@ void CallIgnoringResult(IDispatch* object, DispatchName& member, std::initialize
 }
 
 // After the add-in's own close: the last document's close ends the host.
-void QuitWhenNoDocumentIsLeft(IDispatch* application, DispatchName& collection, bool passMissingArguments) {
+void QuitWhenNoDocumentIsLeft(const HostProfile& profile) {
+  if (profile.quitArguments < 0) return;
   static DispatchName count(L"Count");
   static DispatchName quit(L"Quit");
-  ComPtr<IDispatch> documents = GetObjectProperty(application, collection);
-  if (!documents || GetLongProperty(documents.get(), count) != 0) return;
-  if (passMissingArguments) {
+  // Resolved afresh: the collection's name differs from host to host, and
+  // this runs once per closed document.
+  DispatchName collectionName(profile.documentsMember);
+  ComPtr<IDispatch> collection = GetObjectProperty(HostApplication.get(), collectionName);
+  if (!collection || GetLongProperty(collection.get(), count) != 0) return;
+  if (profile.quitArguments == 3) {
     UniqueVariant missing1 = UniqueVariant::Missing(), missing2 = UniqueVariant::Missing(),
                   missing3 = UniqueVariant::Missing();
-    CallIgnoringResult(application, quit, {missing1.get(), missing2.get(), missing3.get()});
+    CallIgnoringResult(HostApplication.get(), quit, {missing1.get(), missing2.get(), missing3.get()});
   } else {
-    CallIgnoringResult(application, quit, {});
+    CallIgnoringResult(HostApplication.get(), quit, {});
   }
 }
 
-void CloseWordDocument(const ComPtr<IDispatch>& document, CloseMode mode) {
+// Saves for mode 0; false (logged) when the document is still modified
+// afterwards, for example because the user cancelled a save dialog.
+bool SaveBeforeClosing(const ComPtr<IDispatch>& document, const wchar_t* stillModifiedText) {
   static DispatchName save(L"Save");
-  static DispatchName close(L"Close");
-  static DispatchName documents(L"Documents");
-  long saveChanges = 0;  // wdDoNotSaveChanges
-  if (mode == CloseMode::SaveThenClose) {
-    CallIgnoringResult(document.get(), save, {});
-    if (HasUnsavedChanges(document, nullptr, nullptr)) {
-      WriteLog(LogLevel::Error, L"we didn't close file since file has unsaved changes");
-      return;
-    }
-    saveChanges = -1;  // wdSaveChanges
-  } else if (mode == CloseMode::CloseLettingTheHostAsk) {
-    saveChanges = -2;  // wdPromptToSaveChanges
-  }
-  UniqueVariant changes = UniqueVariant::Int32(saveChanges);
-  UniqueVariant format = UniqueVariant::Missing(), route = UniqueVariant::Missing();
-  CallIgnoringResult(document.get(), close, {changes.get(), format.get(), route.get()});
-  QuitWhenNoDocumentIsLeft(WordApplication.get(), documents, true);
+  CallIgnoringResult(document.get(), save, {}, 0);
+  if (!HasUnsavedChanges(document)) return true;
+  WriteLog(LogLevel::Error, stillModifiedText);
+  return false;
 }
 
-void CloseExcelWorkbook(const ComPtr<IDispatch>& workbook, CloseMode mode) {
-  static DispatchName save(L"Save");
-  static DispatchName close(L"Close");
-  static DispatchName workbooks(L"Workbooks");
-  UniqueVariant changes, fileName = UniqueVariant::Missing(), route = UniqueVariant::Missing();
-  if (mode == CloseMode::SaveThenClose) {
-    CallIgnoringResult(workbook.get(), save, {}, 0);
-    if (HasUnsavedChanges(nullptr, workbook, nullptr)) {
-      WriteLog(LogLevel::Error, L"we didn't close file since file has unsaved changes");
-      return;
-    }
-    changes = UniqueVariant::Bool(true);
-  } else if (mode == CloseMode::CloseWithoutSaving) {
-    changes = UniqueVariant::Bool(false);
-  } else {
-    changes = UniqueVariant::Missing();  // Excel asks the user itself
+// The SaveChanges argument of Word's and Excel's Close for a mode.
+UniqueVariant SaveChangesArgument(CloseForm form, CloseMode mode) {
+  if (form == CloseForm::WordSaveChanges) {
+    // wdSaveChanges, wdDoNotSaveChanges, wdPromptToSaveChanges
+    return UniqueVariant::Int32(mode == CloseMode::SaveThenClose ? -1 : mode == CloseMode::CloseWithoutSaving ? 0 : -2);
   }
-  CallIgnoringResult(workbook.get(), close, {changes.get(), fileName.get(), route.get()}, 0);
-  QuitWhenNoDocumentIsLeft(ExcelApplication.get(), workbooks, false);
+  if (mode == CloseMode::CloseLettingTheHostAsk) return UniqueVariant::Missing();  // Excel asks the user itself
+  return UniqueVariant::Bool(mode == CloseMode::SaveThenClose);
 }
+}  // namespace
 
-void ClosePowerPointPresentation(const ComPtr<IDispatch>& presentation, CloseMode mode) {
-  static DispatchName save(L"Save");
+void CloseFile(ComPtr<IDispatch> document, CloseMode mode) {
   static DispatchName close(L"Close");
-  if (mode == CloseMode::SaveThenClose) {
-    CallIgnoringResult(presentation.get(), save, {});
-    if (HasUnsavedChanges(nullptr, nullptr, presentation)) {
-      WriteLog(LogLevel::Error, L"we didn't close file since file has unsaved changes (during SaveChanges)");
+  WriteLog(LogLevel::Info, L"going to close file");
+  const HostProfile* profile = CurrentHostProfile();
+  if (profile == nullptr) return;
+
+  if (profile->closeForm == CloseForm::NoArguments) {
+    // PowerPoint's Close cannot ask the user, so a modified presentation
+    // that was to be closed with a prompt stays open.
+    if (mode == CloseMode::SaveThenClose &&
+        !SaveBeforeClosing(document, L"we didn't close file since file has unsaved changes (during SaveChanges)")) {
       return;
     }
-  } else if (mode == CloseMode::CloseLettingTheHostAsk) {
-    // PowerPoint's Close cannot ask the user, so a modified presentation stays open.
-    if (HasUnsavedChanges(nullptr, nullptr, presentation)) {
+    if (mode == CloseMode::CloseLettingTheHostAsk && HasUnsavedChanges(document)) {
       WriteLog(LogLevel::Error, L"we didn't close file since file has unsaved changes (during PromptToSaveChanges)");
       return;
     }
-  }
-  CallIgnoringResult(presentation.get(), close, {});
-}
-}  // namespace
-
-void CloseFile(ComPtr<IDispatch> wordDocument, ComPtr<IDispatch> excelWorkbook,
-               ComPtr<IDispatch> powerPointPresentation, CloseMode mode) {
-  WriteLog(LogLevel::Info, L"going to close file");
-  switch (OfficeApp) {
-    case OfficeHost::Word:
-      CloseWordDocument(wordDocument, mode);
-      break;
-    case OfficeHost::Excel:
-      CloseExcelWorkbook(excelWorkbook, mode);
-      break;
-    case OfficeHost::PowerPoint:
-      ClosePowerPointPresentation(powerPointPresentation, mode);
-      break;
-    default:
-      break;
-  }
-}
-
-namespace {
-void HideAndDestroy(HWND& window) {
-  if (window == nullptr) return;
-  ShowWindow(window, SW_HIDE);
-  DestroyWindow(window);
-  window = nullptr;  // forgotten the moment it is gone
-}
-}  // namespace
-
-void OnFileClosing(ComPtr<IDispatch> wordDocument, ComPtr<IDispatch> excelWorkbook,
-                   ComPtr<IDispatch> powerPointPresentation) {
-  static DispatchName wordFullName(L"FullName");
-  static DispatchName excelFullName(L"FullName");
-  static DispatchName powerPointFullName(L"FullName");
-  std::wstring path;
-  switch (OfficeApp) {
-    case OfficeHost::Word: path = GetStringProperty(wordDocument.get(), wordFullName); break;
-    case OfficeHost::Excel: path = GetStringProperty(excelWorkbook.get(), excelFullName, 0); break;
-    case OfficeHost::PowerPoint: path = GetStringProperty(powerPointPresentation.get(), powerPointFullName); break;
-    default: return;
-  }
-
-  FileStatusCache& cache = TheFileStatusCache();
-  if (!cache.Contains(path)) {
-    WriteLog(LogLevel::Warning, L"close file - file info not available in cache - " + path);
+    CallIgnoringResult(document.get(), close, {});
     return;
   }
-  const bool unsaved = HasUnsavedChanges(wordDocument, excelWorkbook, powerPointPresentation);
-  FileStatusRecord& record = cache.Find(path);
-  const bool addinIsClosingIt = record.retryModify || record.resolveConflict || record.retryRenameOrMove;
-  if (unsaved && !addinIsClosingIt) {
-    // The user's own close of a modified file: the host now asks about
-    // saving, and the document may well stay open.
-    WriteLog(LogLevel::Info, L"user tried to close file, but has unsaved changes - " + path);
+
+  if (mode == CloseMode::SaveThenClose &&
+      !SaveBeforeClosing(document, L"we didn't close file since file has unsaved changes")) {
     return;
   }
-  WriteLog(LogLevel::Info, (unsaved ? L"we close this file to sync event - " : L"close file - ") + path);
-  record.isOpen = 0;
-  HideAndDestroy(record.subOverlayWindow);
-  HideAndDestroy(record.badgeWindow);
-  record.overlayKind = 0;
-  const std::wstring request = cache.BuildRequest(path, 0);
-  cache.RemoveFile(path);
-  TheSyncAppPipe().Exchange(request);
+  UniqueVariant changes = SaveChangesArgument(profile->closeForm, mode);
+  UniqueVariant second = UniqueVariant::Missing(), third = UniqueVariant::Missing();
+  CallIgnoringResult(document.get(), close, {changes.get(), second.get(), third.get()}, 0);
+  QuitWhenNoDocumentIsLeft(*profile);
 }

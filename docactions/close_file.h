@@ -12,12 +12,6 @@ enum class CloseMode : int {
 
 // Closes the running host's document. Closing the last Word document or
 // Excel workbook also quits the host; PowerPoint is never told to quit.
-// A save that leaves the document modified stops the close.
-void CloseFile(ComPtr<IDispatch> wordDocument, ComPtr<IDispatch> excelWorkbook,
-               ComPtr<IDispatch> powerPointPresentation, CloseMode mode);
-
-// The host's before-close event for any document, whoever closes it: a
-// cached document that really goes is reported to the sync app as closed
-// and dropped from the cache. The host's close is never cancelled.
-void OnFileClosing(ComPtr<IDispatch> wordDocument, ComPtr<IDispatch> excelWorkbook,
-                   ComPtr<IDispatch> powerPointPresentation);
+// A save that leaves the document modified stops the close. The host's
+// before-close event fires inside, as it does for the user's own close.
+void CloseFile(ComPtr<IDispatch> document, CloseMode mode);

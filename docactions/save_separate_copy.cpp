@@ -1,10 +1,10 @@
 #include "docactions/save_separate_copy.h"
 
-#include "addin/connection_state.h"
 #include "common/dispatch.h"
-#include "common/exception_barrier.h"
-#include "common/office_app.h"
+#include "common/host_application.h"
+#include "common/host_profile.h"
 #include "docactions/copy_name.h"
+#include "log/exception_barrier.h"
 #include "log/write_log.h"
 #include "synclink/sync_app_pipe.h"
 
@@ -70,19 +70,12 @@ std::wstring LocalCopyStamp() {
 }
 }  // namespace
 
-int SaveSeparateCopy(ComPtr<IDispatch> wordDocument, ComPtr<IDispatch> excelWorkbook,
-                     ComPtr<IDispatch> powerPointPresentation) {
+int SaveSeparateCopy(ComPtr<IDispatch> document) {
   return Guarded(L"saving copy of file", 0, [&] {
-    IDispatch* document = nullptr;
-    IDispatch* application = nullptr;
-    switch (OfficeApp) {
-      case OfficeHost::Word: document = wordDocument.get(); application = WordApplication.get(); break;
-      case OfficeHost::Excel: document = excelWorkbook.get(); application = ExcelApplication.get(); break;
-      case OfficeHost::PowerPoint: document = powerPointPresentation.get(); break;
-      default: return 0;
-    }
+    const HostProfile* profile = CurrentHostProfile();
+    if (profile == nullptr) return 0;
     WriteLog(LogLevel::Info, L"separate copy saving");
-    const DocumentPlace place = ReadPlace(document, application, OfficeApp == OfficeHost::PowerPoint);
+    const DocumentPlace place = ReadPlace(document.get(), HostApplication.get(), !profile->askPathSeparator);
     WriteLog(LogLevel::Debug, L"filename: " + place.name);
     WriteLog(LogLevel::Debug, L"parentPath: " + place.folder);
     WriteLog(LogLevel::Debug, L"path sep: " + place.separator);
@@ -96,7 +89,7 @@ int SaveSeparateCopy(ComPtr<IDispatch> wordDocument, ComPtr<IDispatch> excelWork
     WriteLog(LogLevel::Debug, L"new filename: " + newName);
 
     const std::wstring fullPath = place.folder + place.separator + newName;
-    SaveCopyThroughHost(document, fullPath);
+    SaveCopyThroughHost(document.get(), fullPath);
     if (GetFileAttributesW(fullPath.c_str()) != INVALID_FILE_ATTRIBUTES) {
       WriteLog(LogLevel::Info, L"separate copy saved successfully: " + fullPath);
       return 1;

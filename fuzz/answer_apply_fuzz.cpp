@@ -91,7 +91,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   FileStatusCache cache;
   const HWND window = reinterpret_cast<HWND>(static_cast<std::uintptr_t>(0x1234));
   for (const std::wstring& path : kPaths) {
-    FUZZ_CHECK(cache.AddFile(path, window, 1, nullptr, nullptr, nullptr) == 1);
+    FUZZ_CHECK(cache.AddFile(path, window, 1, nullptr) == 1);
     cache.Find(path).overlayUpToDate = 1;
   }
 

@@ -1,6 +1,6 @@
 #include "synclink/answer_parser.h"
 
-#include "common/exception_barrier.h"
+#include "log/exception_barrier.h"
 #include "common/text.h"
 #include "log/write_log.h"
 

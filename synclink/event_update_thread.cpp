@@ -1,7 +1,7 @@
 #include "synclink/event_update_thread.h"
 
-#include "addin/connection_state.h"
-#include "common/exception_barrier.h"
+#include "synclink/immediate_update_event.h"
+#include "log/exception_barrier.h"
 #include "common/unique_resource.h"
 #include "log/write_log.h"
 #include "synclink/update_cycle.h"

@@ -1,6 +1,6 @@
 #include "synclink/file_status_cache.h"
 
-#include "common/exception_barrier.h"
+#include "log/exception_barrier.h"
 #include "synclink/record_update.h"
 #include "synclink/request_message.h"
 
@@ -9,15 +9,12 @@ FileStatusCache& TheFileStatusCache() {
   return *cache;
 }
 
-int FileStatusCache::AddFile(const std::wstring& path, HWND hostWindow, std::uint32_t isEditing,
-                             IDispatch* wordDocument, IDispatch* excelWorkbook, IDispatch* powerPointPresentation) {
+int FileStatusCache::AddFile(const std::wstring& path, HWND hostWindow, std::uint32_t isEditing, IDispatch* document) {
   return Guarded(L"adding cache data", 0, [&] {
     FileStatusRecord record;
     record.hostWindow = hostWindow;
     record.isEditing = isEditing;
-    record.wordDocument = ComPtr<IDispatch>(wordDocument);
-    record.excelWorkbook = ComPtr<IDispatch>(excelWorkbook);
-    record.powerPointPresentation = ComPtr<IDispatch>(powerPointPresentation);
+    record.document = ComPtr<IDispatch>(document);
     {
       std::lock_guard<std::recursive_mutex> lock(mapLock_);
       records_[path] = std::move(record);

@@ -16,17 +16,18 @@ class FileStatusCache {
 
   // Stores a fresh record with the defaults (taking a reference on each
   // non-null document) and logs it. 1, or 0 when an exception was caught.
-  int AddFile(const std::wstring& path, HWND hostWindow, std::uint32_t isEditing, IDispatch* wordDocument,
-              IDispatch* excelWorkbook, IDispatch* powerPointPresentation);
+  int AddFile(const std::wstring& path, HWND hostWindow, std::uint32_t isEditing, IDispatch* document);
   bool Contains(const std::wstring& path) const;
   // The record under the path; callers check Contains first. References
   // stay valid while other records come and go.
   FileStatusRecord& Find(const std::wstring& path);
   // Erases the record; an unknown path is logged. 1, or 0 on an exception.
   int RemoveFile(const std::wstring& path);
-  // Destroys every record's overlay windows, sends the sync app a last
-  // request for all files and empties the cache (at disconnection).
-  int RemoveAll();
+  // At disconnection: hands every record's overlay windows to
+  // `destroyWindows` (the overlay's, which lives above this layer), sends
+  // the sync app a last request for all files and empties the cache.
+  using WindowDestroyer = void (*)(FileStatusRecord& record);
+  int RemoveAll(WindowDestroyer destroyWindows);
 
   // The request text for all records (empty onlyPath) or for one; "ERROR"
   // when it could not be built.

@@ -1,26 +1,15 @@
 // The cache's last act at disconnection, which needs windows and the pipe.
 #include <windows.h>
 
-#include "common/exception_barrier.h"
-#include "synclink/cache_shutdown.h"
+#include "log/exception_barrier.h"
 #include "synclink/file_status_cache.h"
 #include "synclink/sync_app_pipe.h"
 
-namespace {
-void HideAndDestroy(HWND& window) {
-  if (window == nullptr) return;
-  ShowWindow(window, SW_HIDE);
-  DestroyWindow(window);
-  window = nullptr;
-}
-}  // namespace
-
-int FileStatusCache::RemoveAll() {
+int FileStatusCache::RemoveAll(WindowDestroyer destroyWindows) {
   return Guarded(L"removing all cache data", 0, [&] {
     std::lock_guard<std::recursive_mutex> lock(mapLock_);
     for (auto& [path, record] : records_) {
-      HideAndDestroy(record.subOverlayWindow);
-      HideAndDestroy(record.badgeWindow);
+      if (destroyWindows) destroyWindows(record);
       WriteLog(LogLevel::Info, L"file info removed from cache - " + path);
     }
     // The sync app learns of every file one last time; its answer no
@@ -31,5 +20,3 @@ int FileStatusCache::RemoveAll() {
     return 1;
   });
 }
-
-void EmptyCacheAtDisconnection() { TheFileStatusCache().RemoveAll(); }

@@ -20,10 +20,10 @@ enum DownloadState : std::int32_t {
 struct FileStatusRecord {
   HWND hostWindow = nullptr;
   std::uint32_t isEditing = 0;
-  // Owned references: copying a record copies them, destroying releases.
-  ComPtr<IDispatch> wordDocument;
-  ComPtr<IDispatch> excelWorkbook;
-  ComPtr<IDispatch> powerPointPresentation;
+  // The host's document (Word document, Excel workbook or PowerPoint
+  // presentation), an owned reference: copying a record copies it,
+  // destroying releases it.
+  ComPtr<IDispatch> document;
   std::uint32_t is_sync_file = 0;
   std::wstring file_combo_id;
   std::uint32_t is_internet_connected = 1;

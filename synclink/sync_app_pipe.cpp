@@ -2,7 +2,7 @@
 
 #include <atomic>
 
-#include "common/exception_barrier.h"
+#include "log/exception_barrier.h"
 #include "log/write_log.h"
 
 namespace {

@@ -9,7 +9,7 @@ namespace {
 class ApplyAnswerTest : public testing::Test {
  protected:
   void SetUp() override {
-    cache.AddFile(L"C:\\a.docx", reinterpret_cast<HWND>(0x10), 1, nullptr, nullptr, nullptr);
+    cache.AddFile(L"C:\\a.docx", reinterpret_cast<HWND>(0x10), 1, nullptr);
     ClearCapturedLog();
   }
   std::vector<std::wstring> DebugTags() {
@@ -131,7 +131,7 @@ TEST(PairUsers, GivesAnIdentifierWithoutANameAnEmptyName) {
 }
 
 TEST_F(ApplyAnswerTest, GoesOnWithTheNextFileWhenARecordIsDroppedWhileTheAnswerIsApplied) {
-  cache.AddFile(L"C:\\b.docx", nullptr, 0, nullptr, nullptr, nullptr);
+  cache.AddFile(L"C:\\b.docx", nullptr, 0, nullptr);
   // The UI thread closes a.docx right after the update thread found it.
   bool closed = false;
   SetCapturedLogObserver([&](const CapturedLine& line) {

@@ -14,7 +14,7 @@ class Cache : public testing::Test {
 
 TEST_F(Cache, StoresANewFileWithLoadingDefaultsAndLogsIt) {
   HWND window = reinterpret_cast<HWND>(0x1234);
-  EXPECT_EQ(cache.AddFile(L"C:\\a.docx", window, 1, nullptr, nullptr, nullptr), 1);
+  EXPECT_EQ(cache.AddFile(L"C:\\a.docx", window, 1, nullptr), 1);
   ASSERT_TRUE(cache.Contains(L"C:\\a.docx"));
   const FileStatusRecord& record = cache.Find(L"C:\\a.docx");
   EXPECT_EQ(record.hostWindow, window);
@@ -31,8 +31,8 @@ TEST_F(Cache, StoresANewFileWithLoadingDefaultsAndLogsIt) {
 }
 
 TEST_F(Cache, KeepsTwoPathsThatDifferOnlyInCaseApart) {
-  cache.AddFile(L"C:\\Report.docx", nullptr, 0, nullptr, nullptr, nullptr);
-  cache.AddFile(L"C:\\report.docx", nullptr, 1, nullptr, nullptr, nullptr);
+  cache.AddFile(L"C:\\Report.docx", nullptr, 0, nullptr);
+  cache.AddFile(L"C:\\report.docx", nullptr, 1, nullptr);
   EXPECT_EQ(cache.records().size(), 2u);
   EXPECT_EQ(cache.Find(L"C:\\Report.docx").isEditing, 0u);
   EXPECT_EQ(cache.Find(L"C:\\report.docx").isEditing, 1u);
@@ -45,7 +45,7 @@ TEST_F(Cache, RemovingAnUnknownPathLogsAnErrorAndSucceeds) {
 }
 
 TEST_F(Cache, RemovingAKnownPathLogsIt) {
-  cache.AddFile(L"C:\\a.docx", nullptr, 0, nullptr, nullptr, nullptr);
+  cache.AddFile(L"C:\\a.docx", nullptr, 0, nullptr);
   ClearCapturedLog();
   EXPECT_EQ(cache.RemoveFile(L"C:\\a.docx"), 1);
   EXPECT_FALSE(cache.Contains(L"C:\\a.docx"));
@@ -54,7 +54,7 @@ TEST_F(Cache, RemovingAKnownPathLogsIt) {
 
 TEST_F(Cache, HoldsOneReferenceOnTheDocumentAndGivesItBackOnRemoval) {
   CountingDispatch document;
-  cache.AddFile(L"C:\\a.docx", nullptr, 0, &document, nullptr, nullptr);
+  cache.AddFile(L"C:\\a.docx", nullptr, 0, &document);
   EXPECT_EQ(document.references, 2);
   {
     const FileStatusRecord copy = cache.Find(L"C:\\a.docx");
@@ -67,7 +67,7 @@ TEST_F(Cache, HoldsOneReferenceOnTheDocumentAndGivesItBackOnRemoval) {
 
 TEST_F(Cache, KeepsTheReferenceBalancedAcrossUpdatesAndRequests) {
   CountingDispatch workbook;
-  cache.AddFile(L"C:\\a.xlsx", nullptr, 0, nullptr, &workbook, nullptr);
+  cache.AddFile(L"C:\\a.xlsx", nullptr, 0, &workbook);
   AnswerFields answer;
   answer.file_path = L"C:\\a.xlsx";
   answer.is_sync_file = 1;
@@ -79,9 +79,9 @@ TEST_F(Cache, KeepsTheReferenceBalancedAcrossUpdatesAndRequests) {
 }
 
 TEST_F(Cache, KeepsRecordReferencesValidWhileOthersAreAdded) {
-  cache.AddFile(L"C:\\m.docx", nullptr, 0, nullptr, nullptr, nullptr);
+  cache.AddFile(L"C:\\m.docx", nullptr, 0, nullptr);
   FileStatusRecord& record = cache.Find(L"C:\\m.docx");
-  for (int i = 0; i < 100; ++i) cache.AddFile(L"C:\\" + std::to_wstring(i), nullptr, 0, nullptr, nullptr, nullptr);
+  for (int i = 0; i < 100; ++i) cache.AddFile(L"C:\\" + std::to_wstring(i), nullptr, 0, nullptr);
   record.uiHide = 1;
   EXPECT_EQ(cache.Find(L"C:\\m.docx").uiHide, 1u);
 }
@@ -97,7 +97,7 @@ TEST_F(Cache, UpdatingAFileThatIsNotThereLogsAndChangesNothing) {
 
 TEST_F(Cache, DoesNotBringBackARecordRemovedWhileItsAnswerWasApplied) {
   CountingDispatch document;
-  cache.AddFile(L"C:\\a.docx", nullptr, 0, &document, nullptr, nullptr);
+  cache.AddFile(L"C:\\a.docx", nullptr, 0, &document);
   // The UI thread closes the document between the update's copy and its
   // write-back (the change tag of is_sync_file is logged in between).
   SetCapturedLogObserver([&](const CapturedLine& line) {

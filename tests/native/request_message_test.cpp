@@ -21,12 +21,12 @@ TEST_F(RequestMessage, OfAnEmptyCacheIsAnEmptyFileList) {
 }
 
 TEST_F(RequestMessage, ForAPathNotInTheCacheIsAnEmptyFileList) {
-  cache.AddFile(L"C:\\a.docx", nullptr, 0, nullptr, nullptr, nullptr);
+  cache.AddFile(L"C:\\a.docx", nullptr, 0, nullptr);
   EXPECT_EQ(cache.BuildRequest(L"C:\\b.docx", 0), L"{\"files\":[]}");
 }
 
 TEST_F(RequestMessage, DescribesAnOpenEditedWordFileExactly) {
-  cache.AddFile(L"C:\\Users\\ann\\Filewell\\report.docx", nullptr, 1, nullptr, nullptr, nullptr);
+  cache.AddFile(L"C:\\Users\\ann\\Filewell\\report.docx", nullptr, 1, nullptr);
   EXPECT_EQ(cache.BuildRequest(L"", 0),
             L"{\"files\":[{\"filepath\":\"C:\\Users\\ann\\Filewell\\report.docx\",\"isOpen\":true,\"isEditing\":true,"
             L"\"resolveConflict\":false,\"retryModify\":false,\"retryRenameOrMove\":false,\"retryDelete\":false,"
@@ -34,8 +34,8 @@ TEST_F(RequestMessage, DescribesAnOpenEditedWordFileExactly) {
 }
 
 TEST_F(RequestMessage, SeparatesTwoFilesWithOneCommaInKeyOrder) {
-  cache.AddFile(L"C:\\b.xlsx", nullptr, 0, nullptr, nullptr, nullptr);
-  cache.AddFile(L"C:\\a.xlsx", nullptr, 0, nullptr, nullptr, nullptr);
+  cache.AddFile(L"C:\\b.xlsx", nullptr, 0, nullptr);
+  cache.AddFile(L"C:\\a.xlsx", nullptr, 0, nullptr);
   OfficeApp = OfficeHost::Excel;
   const std::wstring request = cache.BuildRequest(L"", 0);
   EXPECT_EQ(request,
@@ -47,13 +47,13 @@ TEST_F(RequestMessage, SeparatesTwoFilesWithOneCommaInKeyOrder) {
 }
 
 TEST_F(RequestMessage, SendsAQuoteInAPathUnescaped) {
-  cache.AddFile(L"C:\\say \"hi\".pptx", nullptr, 0, nullptr, nullptr, nullptr);
+  cache.AddFile(L"C:\\say \"hi\".pptx", nullptr, 0, nullptr);
   OfficeApp = OfficeHost::PowerPoint;
   EXPECT_EQ(cache.BuildRequest(L"", 0).substr(0, 41), L"{\"files\":[{\"filepath\":\"C:\\say \"hi\".pptx\",");
 }
 
 TEST_F(RequestMessage, CarriesUiHideOnlyWhenAskedBetweenRetryDeleteAndTheId) {
-  cache.AddFile(L"C:\\a.docx", nullptr, 0, nullptr, nullptr, nullptr);
+  cache.AddFile(L"C:\\a.docx", nullptr, 0, nullptr);
   cache.Find(L"C:\\a.docx").uiHide = 1;
   cache.Find(L"C:\\a.docx").retryDelete = 1;
   cache.Find(L"C:\\a.docx").file_combo_id = L"k3v9x";
@@ -65,7 +65,7 @@ TEST_F(RequestMessage, CarriesUiHideOnlyWhenAskedBetweenRetryDeleteAndTheId) {
 }
 
 TEST_F(RequestMessage, WritesEveryChoiceFlagTheUserMade) {
-  cache.AddFile(L"C:\\a.docx", nullptr, 0, nullptr, nullptr, nullptr);
+  cache.AddFile(L"C:\\a.docx", nullptr, 0, nullptr);
   FileStatusRecord& record = cache.Find(L"C:\\a.docx");
   record.isOpen = 0;
   record.resolveConflict = 1;

@@ -6,6 +6,7 @@
 #include "common/text.h"
 #include "log/log_folder.h"
 #include "synclink/file_status_cache.h"
+#include "tests/caller.h"
 #include "tests/windows/sync_sim_process.h"
 #include "tests/windows/wine_test_support.h"
 
@@ -20,11 +21,12 @@ class CacheRemoveAll : public testing::Test {
   }
   void TearDown() override {
     syncSim_.Stop();
-    TheFileStatusCache().RemoveAll();
+    TheFileStatusCache().RemoveAll(nullptr);
     InitLogFolder();
     DeleteLogFiles();
   }
-  void StartSyncSim() {
+  void StartSyncSim(Caller caller = {}) {
+    TRACE_CALLER(caller);
     ASSERT_TRUE(syncSim_.Start(L"--record " + Quoted(textRecord_) + L" --record-raw " + Quoted(rawRecord_)));
   }
 
@@ -36,15 +38,15 @@ class CacheRemoveAll : public testing::Test {
 
 TEST_F(CacheRemoveAll, SendsOneLastRequestForEveryFileInKeyOrderWithoutUiHide) {
   FileStatusCache& cache = TheFileStatusCache();
-  cache.AddFile(L"C:\\Users\\ann\\Filewell\\b.xlsx", nullptr, 1, nullptr, nullptr, nullptr);
-  cache.AddFile(L"C:\\Users\\ann\\Filewell\\a.xlsx", nullptr, 0, nullptr, nullptr, nullptr);
+  cache.AddFile(L"C:\\Users\\ann\\Filewell\\b.xlsx", nullptr, 1, nullptr);
+  cache.AddFile(L"C:\\Users\\ann\\Filewell\\a.xlsx", nullptr, 0, nullptr);
   FileStatusRecord& b = cache.Find(L"C:\\Users\\ann\\Filewell\\b.xlsx");
   b.file_combo_id = L"k3v9x";
   b.retryModify = 1;
   b.uiHide = 1;
   StartSyncSim();
 
-  EXPECT_EQ(cache.RemoveAll(), 1);
+  EXPECT_EQ(cache.RemoveAll(nullptr), 1);
 
   const std::string expected =
       "{\"files\":["
@@ -69,7 +71,7 @@ TEST_F(CacheRemoveAll, SendsOneLastRequestForEveryFileInKeyOrderWithoutUiHide) {
 TEST_F(CacheRemoveAll, SendsAnEmptyFileListWhenTheCacheIsEmpty) {
   StartSyncSim();
 
-  EXPECT_EQ(TheFileStatusCache().RemoveAll(), 1);
+  EXPECT_EQ(TheFileStatusCache().RemoveAll(nullptr), 1);
 
   EXPECT_EQ(ReadFileBytes(textRecord_), "{\"files\":[]}\n");
   EXPECT_EQ(ReadFileBytes(rawRecord_), std::string("{\0\"\0f\0i\0l\0e\0s\0\"\0:\0[\0]\0}\0\0\0", 26));
@@ -77,9 +79,9 @@ TEST_F(CacheRemoveAll, SendsAnEmptyFileListWhenTheCacheIsEmpty) {
 }
 
 TEST_F(CacheRemoveAll, EmptiesTheCacheEvenWithoutTheSyncApp) {
-  TheFileStatusCache().AddFile(L"C:\\Users\\ann\\Filewell\\a.xlsx", nullptr, 0, nullptr, nullptr, nullptr);
+  TheFileStatusCache().AddFile(L"C:\\Users\\ann\\Filewell\\a.xlsx", nullptr, 0, nullptr);
 
-  EXPECT_EQ(TheFileStatusCache().RemoveAll(), 1);
+  EXPECT_EQ(TheFileStatusCache().RemoveAll(nullptr), 1);
 
   EXPECT_TRUE(TheFileStatusCache().records().empty());
   EXPECT_EQ(LogMessages(LogFilePath()), (std::vector<std::string>{

@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include "docactions/close_file.h"
+#include "tests/caller.h"
 #include "tests/windows/in_process_host.h"
 
 namespace {
@@ -12,12 +13,7 @@ using Calls = std::vector<std::wstring>;
 class CloseFileInHost : public testing::TestWithParam<SimHost> {
  protected:
   void Close(IDispatch* document, CloseMode mode) {
-    ComPtr<IDispatch> reference(document);
-    switch (GetParam()) {
-      case SimHost::Excel: CloseFile(nullptr, std::move(reference), nullptr, mode); break;
-      case SimHost::PowerPoint: CloseFile(nullptr, nullptr, std::move(reference), mode); break;
-      default: CloseFile(std::move(reference), nullptr, nullptr, mode); break;
-    }
+    CloseFile(ComPtr<IDispatch>(document), mode);
   }
   std::wstring Name(const wchar_t* base) const { return base + DocumentExtension(GetParam()); }
   bool IsOpen(SimDocument* document) { return host_.app().FindDocument(document->fullName()) == document; }
@@ -38,7 +34,8 @@ class CloseFileInHost : public testing::TestWithParam<SimHost> {
     }
   }
 
-  void ExpectCloseWithItsArguments(CloseMode mode, bool edited) {
+  void ExpectCloseWithItsArguments(CloseMode mode, bool edited, Caller caller = {}) {
+    TRACE_CALLER(caller);
     SimDocument* keep = host_.Open(Name(L"keep"));
     SimDocument* document = host_.Open(Name(L"close-me"));
     if (edited) document->MarkEdited();
@@ -107,7 +104,7 @@ TEST(PowerPointCloseFile, LettingTheHostAskOnAModifiedPresentationOnlyLogs) {
   SimDocument* presentation = office.Open(L"deck.pptx");
   presentation->MarkEdited();
   const long before = presentation->references();
-  CloseFile(nullptr, nullptr, ComPtr<IDispatch>(presentation), CloseMode::CloseLettingTheHostAsk);
+  CloseFile(ComPtr<IDispatch>(presentation), CloseMode::CloseLettingTheHostAsk);
   EXPECT_TRUE(presentation->methodCalls().empty());
   EXPECT_EQ(office.app().openDocumentCount(), 1u);
   EXPECT_EQ(presentation->references(), before);
@@ -122,7 +119,7 @@ TEST(WordCloseFile, LettingWordAskLeavesTheDocumentOpenWhenTheUserCancels) {
   SimDocument* document = office.Open(L"asked.docx");
   document->MarkEdited();
   office.app().SetPromptAnswer(SimApplication::PromptAnswer::Cancel);
-  CloseFile(ComPtr<IDispatch>(document), nullptr, nullptr, CloseMode::CloseLettingTheHostAsk);
+  CloseFile(ComPtr<IDispatch>(document), CloseMode::CloseLettingTheHostAsk);
   EXPECT_EQ(document->methodCalls(), Calls{L"Close(VT_I4 -2, missing, missing)"});
   EXPECT_EQ(office.app().openDocumentCount(), 2u);
   EXPECT_EQ(office.app().FindDocument(keep->fullName()), keep);

@@ -7,6 +7,7 @@
 #include "addin/extensibility.h"
 #include "common/com_ptr.h"
 #include "common/unique_resource.h"
+#include "tests/caller.h"
 #include "tests/windows/wine_test_support.h"
 
 namespace {
@@ -40,7 +41,8 @@ class Connection : public testing::Test {
             "office app disconnected"};
   }
 
-  void ExpectServedHostSequence(const wchar_t* exeName, const std::string& hostTag) {
+  void ExpectServedHostSequence(const wchar_t* exeName, const std::string& hostTag, Caller caller = {}) {
+    TRACE_CALLER(caller);
     const ProcessResult run = RunHost(exeName);
     ASSERT_EQ(run.exitCode, 0u) << run.output;
     EXPECT_NE(run.output.find("application references at exit = 1"), std::string::npos) << run.output;

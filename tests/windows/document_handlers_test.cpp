@@ -15,17 +15,7 @@ class DocumentRoutine : public testing::TestWithParam<SimHost> {
  protected:
   // The running host's routine, given one new reference as a sink gives it.
   std::wstring Record(IDispatch* document) {
-    ComPtr<IDispatch> reference(document);
-    switch (GetParam()) {
-      case SimHost::Excel: return RecordExcelWorkbook(std::move(reference));
-      case SimHost::PowerPoint: return RecordPowerPointPresentation(std::move(reference));
-      default: return RecordWordDocument(std::move(reference));
-    }
-  }
-  static IDispatch* SlotOf(const FileStatusRecord& record, SimHost host) {
-    return host == SimHost::Excel ? record.excelWorkbook.get()
-           : host == SimHost::PowerPoint ? record.powerPointPresentation.get()
-                                         : record.wordDocument.get();
+    return RecordDocument(ComPtr<IDispatch>(document));
   }
   std::wstring Name(const wchar_t* base) const { return base + DocumentExtension(GetParam()); }
 
@@ -50,7 +40,7 @@ TEST_P(DocumentRoutine, ASavedDocumentGetsARecordWithLoadingDefaultsAndSetsTheEv
   ASSERT_EQ(host_.CachedPaths(), std::vector<std::wstring>{document->fullName()});
   EXPECT_TRUE(host_.EventIsSet());
   const FileStatusRecord& record = host_.Record(document->fullName());
-  EXPECT_EQ(SlotOf(record, GetParam()), static_cast<IDispatch*>(document));
+  EXPECT_EQ(record.document.get(), static_cast<IDispatch*>(document));
   EXPECT_EQ(record.isEditing, 0u);
   EXPECT_EQ(record.isOpen, 1u);
   EXPECT_EQ(record.is_loading_data_from_server, 1u);

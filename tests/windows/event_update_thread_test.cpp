@@ -5,7 +5,7 @@
 
 #include <functional>
 
-#include "addin/connection_state.h"
+#include "synclink/immediate_update_event.h"
 #include "common/office_app.h"
 #include "common/unique_resource.h"
 #include "log/thread_names.h"
@@ -14,6 +14,7 @@
 #include "synclink/event_update_thread.h"
 #include "synclink/file_status_cache.h"
 #include "synclink/sync_app_pipe.h"
+#include "tests/caller.h"
 #include "tests/windows/sync_sim_process.h"
 #include "tests/windows/wine_test_support.h"
 
@@ -48,13 +49,15 @@ class EventUpdateThread : public testing::Test {
     OfficeApp = OfficeHost::None;
   }
 
-  void StartThread() {
+  void StartThread(Caller caller = {}) {
+    TRACE_CALLER(caller);
     DWORD threadId = 0;
     thread_.reset(CreateThread(nullptr, 0, EventUpdateThreadProc, nullptr, 0, &threadId));
     ASSERT_TRUE(thread_);
     NameThread(threadId, L"EvntUpdate");
   }
-  void StopThread() {
+  void StopThread(Caller caller = {}) {
+    TRACE_CALLER(caller);
     if (thread_) {
       EXPECT_TRUE(StopEventUpdateThread(thread_.get()));
     }
@@ -72,9 +75,10 @@ class EventUpdateThread : public testing::Test {
   // Runs the thread against a sync app that misbehaves as `arguments` say:
   // the cycle logs `logged` (when given), finds no data and leaves the
   // record as it was.
-  void ExpectNoRecordChangeWith(const std::wstring& arguments, const std::string& logged) {
+  void ExpectNoRecordChangeWith(const std::wstring& arguments, const std::string& logged, Caller caller = {}) {
+    TRACE_CALLER(caller);
     FileStatusCache& cache = TheFileStatusCache();
-    ASSERT_EQ(cache.AddFile(kPath, nullptr, 0, nullptr, nullptr, nullptr), 1);
+    ASSERT_EQ(cache.AddFile(kPath, nullptr, 0, nullptr), 1);
     cache.Find(kPath).is_sync_file = 1;
     cache.Find(kPath).file_combo_id = L"k3";
     cache.Find(kPath).overlayUpToDate = 1;
@@ -102,7 +106,7 @@ class EventUpdateThread : public testing::Test {
 
 TEST_F(EventUpdateThread, WithoutASyncAppLogsTheOpenFailureAndChangesNoRecord) {
   FileStatusCache& cache = TheFileStatusCache();
-  ASSERT_EQ(cache.AddFile(kPath, nullptr, 1, nullptr, nullptr, nullptr), 1);
+  ASSERT_EQ(cache.AddFile(kPath, nullptr, 1, nullptr), 1);
   cache.Find(kPath).is_sync_file = 1;
   cache.Find(kPath).file_combo_id = L"k3";
   cache.Find(kPath).overlayUpToDate = 1;
@@ -160,7 +164,7 @@ TEST_F(EventUpdateThread, WaitsForABusyCacheLockAtMostFiveSecondsAndKeepsASignal
 
 TEST_F(EventUpdateThread, WritesTheSyncAppsAnswerIntoTheRecord) {
   FileStatusCache& cache = TheFileStatusCache();
-  ASSERT_EQ(cache.AddFile(kPath, nullptr, 0, nullptr, nullptr, nullptr), 1);
+  ASSERT_EQ(cache.AddFile(kPath, nullptr, 0, nullptr), 1);
   const std::wstring scenario = FreshTempPath(L"thread-scenario.txt");
   WriteUtf8File(scenario, std::wstring(L"file ") + kPath +
                               L"\nset is_sync_file=true\nset file_combo_id=k3v9x\n"

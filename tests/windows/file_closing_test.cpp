@@ -10,6 +10,7 @@
 #include <thread>
 
 #include "addin/event_sinks.h"
+#include "addin/file_closing.h"
 #include "docactions/close_file.h"
 #include "synclink/sync_app_pipe.h"
 #include "tests/windows/in_process_host.h"
@@ -95,12 +96,7 @@ class FileClosing : public testing::TestWithParam<SimHost> {
   void TearDown() override { sinks_.Unsubscribe(AddinHostOf(GetParam()), &host_.app()); }
 
   void Closing(IDispatch* document) {
-    ComPtr<IDispatch> reference(document);
-    switch (GetParam()) {
-      case SimHost::Excel: OnFileClosing(nullptr, std::move(reference), nullptr); break;
-      case SimHost::PowerPoint: OnFileClosing(nullptr, nullptr, std::move(reference)); break;
-      default: OnFileClosing(std::move(reference), nullptr, nullptr); break;
-    }
+    OnFileClosing(ComPtr<IDispatch>(document));
   }
   // An open, cached document with a badge and a panel window of its own.
   SimDocument* OpenCachedWithWindows(const wchar_t* base) {
@@ -198,12 +194,7 @@ TEST_P(FileClosing, TheAddinsCloseRunsTheHandlerInsideTheHostsClose) {
   const std::wstring path = document->fullName();
   host_.Record(path).retryModify = 1;
   document->MarkEdited();
-  ComPtr<IDispatch> reference(document);
-  switch (GetParam()) {
-    case SimHost::Excel: CloseFile(nullptr, reference, nullptr, CloseMode::CloseWithoutSaving); break;
-    case SimHost::PowerPoint: CloseFile(nullptr, nullptr, reference, CloseMode::CloseWithoutSaving); break;
-    default: CloseFile(reference, nullptr, nullptr, CloseMode::CloseWithoutSaving); break;
-  }
+  CloseFile(ComPtr<IDispatch>(document), CloseMode::CloseWithoutSaving);
   // By the time CloseFile returns the host has closed it and the record is gone.
   EXPECT_EQ(host_.Messages(), (std::vector<std::string>{"going to close file",
                                                          "we close this file to sync event - " + Narrow(path),

@@ -12,11 +12,12 @@
 #include <string>
 #include <vector>
 
-#include "addin/connection_state.h"
+#include "common/host_application.h"
 #include "common/office_app.h"
 #include "common/unique_resource.h"
 #include "log/log_folder.h"
 #include "synclink/file_status_cache.h"
+#include "synclink/immediate_update_event.h"
 #include "tests/windows/wine_test_support.h"
 #include "tools/officesim/sim_application.h"
 #include "tools/officesim/sim_document.h"
@@ -61,7 +62,7 @@ class InProcessHost {
                                   nullptr, nullptr, nullptr);
     application_ = new SimApplication(host, mainWindow_);
     OfficeApp = AddinHostOf(host);
-    ApplicationSlot() = ComPtr<IDispatch>(application_);
+    HostApplication = ComPtr<IDispatch>(application_);
     // Unnamed: the test watches only its own settings of the event.
     ImmediateUpdateEvent.reset(CreateEventW(nullptr, TRUE, FALSE, nullptr));
 
@@ -79,9 +80,7 @@ class InProcessHost {
 
   ~InProcessHost() {
     ForgetAllRecords();
-    WordApplication.reset();
-    ExcelApplication.reset();
-    PowerPointApplication.reset();
+    HostApplication.reset();
     OfficeApp = OfficeHost::None;
     ImmediateUpdateEvent.reset();
     application_->ReleaseDocumentsAtExit();
@@ -149,10 +148,6 @@ class InProcessHost {
   }
 
  private:
-  ComPtr<IDispatch>& ApplicationSlot() {
-    return host_ == SimHost::Excel ? ExcelApplication : host_ == SimHost::PowerPoint ? PowerPointApplication
-                                                                                     : WordApplication;
-  }
   void RemoveFolder() {
     WIN32_FIND_DATAW found;
     HANDLE search = FindFirstFileW((folder_ + L"\\*").c_str(), &found);

@@ -10,6 +10,7 @@
 #include "log/log_folder.h"
 #include "log/thread_names.h"
 #include "log/write_log.h"
+#include "tests/caller.h"
 #include "tests/windows/wine_test_support.h"
 
 namespace {
@@ -25,7 +26,8 @@ class LogWriter : public testing::Test {
     InitLogFolder();
     DeleteLogFiles();
   }
-  static void WriteBytes(const std::wstring& path, size_t count) {
+  static void WriteBytes(const std::wstring& path, size_t count, Caller caller = {}) {
+    TRACE_CALLER(caller);
     UniqueFileHandle file(CreateFileW(path.c_str(), GENERIC_WRITE, 0, nullptr, CREATE_ALWAYS, 0, nullptr));
     ASSERT_TRUE(file);
     std::string filler(count, 'x');
@@ -35,7 +37,8 @@ class LogWriter : public testing::Test {
   static size_t FileSize(const std::wstring& path) { return ReadFileBytes(path).size(); }
   // Lets the log open its file with a first line, then grows the file from
   // outside (as another Office process would) to exactly `size` bytes.
-  static void FillLogTo(size_t size) {
+  static void FillLogTo(size_t size, Caller caller = {}) {
+    TRACE_CALLER(caller);
     WriteLog(LogLevel::Info, L"first");
     const size_t current = FileSize(LogFilePath());
     ASSERT_LT(current, size);

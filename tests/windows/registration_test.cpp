@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include "common/unique_resource.h"
+#include "tests/caller.h"
 #include "tests/windows/wine_test_support.h"
 
 namespace {
@@ -59,7 +60,8 @@ class Registration : public testing::Test {
     UniqueHkey recreated;
     RegCreateKeyW(HKEY_CURRENT_USER, L"Software\\Microsoft\\Office\\PowerPoint\\Addins", recreated.put());
   }
-  void ExpectClassKeys(HKEY root) {
+  void ExpectClassKeys(HKEY root, Caller caller = {}) {
+    TRACE_CALLER(caller);
     const std::wstring classes = L"Software\\Classes\\";
     const std::wstring clsidKey = classes + L"CLSID\\" + kClsid;
     EXPECT_EQ(ReadText(root, classes + L"QelvoFilewellSync.OfficeAddin.1"), L"Connect class");
@@ -75,7 +77,8 @@ class Registration : public testing::Test {
     EXPECT_EQ(ReadText(root, clsidKey + L"\\TypeLib"), kLibid);
     EXPECT_EQ(ReadText(root, clsidKey + L"\\Version"), L"1.0");
   }
-  void ExpectOfficeAddinKeys() {
+  void ExpectOfficeAddinKeys(Caller caller = {}) {
+    TRACE_CALLER(caller);
     for (const wchar_t* host : kHosts) {
       EXPECT_EQ(ReadText(HKEY_CURRENT_USER, AddinKey(host), L"Description"),
                 L"Qelvo Filewell Sync Add-in for Microsoft Office");
@@ -84,7 +87,8 @@ class Registration : public testing::Test {
       EXPECT_EQ(ReadDword(HKEY_CURRENT_USER, AddinKey(host), L"LoadBehavior"), 3u);
     }
   }
-  void ExpectNothingLeft(HKEY root) {
+  void ExpectNothingLeft(HKEY root, Caller caller = {}) {
+    TRACE_CALLER(caller);
     EXPECT_FALSE(KeyExists(root, L"Software\\Classes\\QelvoFilewellSync.OfficeAddin"));
     EXPECT_FALSE(KeyExists(root, L"Software\\Classes\\QelvoFilewellSync.OfficeAddin.1"));
     EXPECT_FALSE(KeyExists(root, L"Software\\Classes\\CLSID\\" + kClsid));

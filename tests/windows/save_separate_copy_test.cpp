@@ -42,12 +42,7 @@ std::string RegexEscaped(const std::string& text) {
 class SeparateCopy : public testing::TestWithParam<SimHost> {
  protected:
   int Save(IDispatch* document) {
-    ComPtr<IDispatch> reference(document);
-    switch (GetParam()) {
-      case SimHost::Excel: return SaveSeparateCopy(nullptr, std::move(reference), nullptr);
-      case SimHost::PowerPoint: return SaveSeparateCopy(nullptr, nullptr, std::move(reference));
-      default: return SaveSeparateCopy(std::move(reference), nullptr, nullptr);
-    }
+    return SaveSeparateCopy(ComPtr<IDispatch>(document));
   }
   // The host call that writes the copy, as the simulated host recorded it.
   std::wstring ExpectedCall(const std::wstring& target) const {
@@ -125,7 +120,7 @@ TEST(WordSeparateCopy, ADocumentWithoutTheSaveCopyMethodLogsAnErrorAndGivesZero)
   InProcessHost office(SimHost::Word);
   SimDocument* document = office.Open(L"old.docx");
   document->RemoveSaveCopyMethod();
-  EXPECT_EQ(SaveSeparateCopy(ComPtr<IDispatch>(document), nullptr, nullptr), 0);
+  EXPECT_EQ(SaveSeparateCopy(ComPtr<IDispatch>(document)), 0);
   EXPECT_EQ(FilesIn(office.folder()), std::vector<std::wstring>{L"old.docx"});
   const std::vector<std::string> messages = office.Messages();
   ASSERT_EQ(messages.size(), 2u);
@@ -140,7 +135,7 @@ TEST(WordSeparateCopy, AFailingReadIsCaughtAndGivesZero) {
   InProcessHost office(SimHost::Word);
   auto* broken = new SimDispatch(L"Document");
   broken->AddMember(L"Name", 0x1, [](WORD, const std::vector<VARIANT*>&, VARIANT*) { return DISP_E_EXCEPTION; });
-  EXPECT_EQ(SaveSeparateCopy(ComPtr<IDispatch>(broken), nullptr, nullptr), 0);
+  EXPECT_EQ(SaveSeparateCopy(ComPtr<IDispatch>(broken)), 0);
   EXPECT_EQ(office.Messages(),
             (std::vector<std::string>{"separate copy saving",
                                       "std exception occurred while saving copy of file - object model call Name "

@@ -9,6 +9,7 @@
 #include "synclink/answer_parser.h"
 #include "synclink/file_status_cache.h"
 #include "synclink/sync_app_pipe.h"
+#include "tests/caller.h"
 #include "tests/windows/sync_sim_process.h"
 #include "tests/windows/wine_test_support.h"
 
@@ -63,12 +64,14 @@ class SyncAppPipeTest : public testing::Test {
   static std::vector<std::string> Logged() { return LogMessages(LogFilePath()); }
 
   // Starts syncsim answering with exactly `answer` after its leading unit.
-  void ServeFixedAnswer(const std::wstring& answer, const std::wstring& moreArguments = L"") {
+  void ServeFixedAnswer(const std::wstring& answer, const std::wstring& moreArguments = L"", Caller caller = {}) {
+    TRACE_CALLER(caller);
     const std::wstring path = FreshTempPath(L"syncsim-answer.txt");
     WriteUtf8File(path, answer);
     ASSERT_TRUE(syncSim_.Start(L"--answer-file " + Quoted(path) + L" " + moreArguments));
   }
-  void ServeScenario(const std::wstring& scenario, const std::wstring& moreArguments = L"") {
+  void ServeScenario(const std::wstring& scenario, const std::wstring& moreArguments = L"", Caller caller = {}) {
+    TRACE_CALLER(caller);
     const std::wstring path = FreshTempPath(L"syncsim-scenario.txt");
     WriteUtf8File(path, scenario);
     ASSERT_TRUE(syncSim_.Start(L"--scenario " + Quoted(path) + L" " + moreArguments));
@@ -101,8 +104,8 @@ TEST_F(SyncAppPipeTest, AsksWindowsForTheUserNameOnlyOnceEvenWhenTheFirstExchang
 
 TEST_F(SyncAppPipeTest, SendsTheCacheRequestTextFollowedByOneNulUnit) {
   FileStatusCache cache;
-  cache.AddFile(L"C:\\Users\\ann\\Filewell\\b\u00e9ta \"draft\".docx", nullptr, 1, nullptr, nullptr, nullptr);
-  cache.AddFile(L"C:\\Users\\ann\\Filewell\\alpha.xlsx", nullptr, 0, nullptr, nullptr, nullptr);
+  cache.AddFile(L"C:\\Users\\ann\\Filewell\\b\u00e9ta \"draft\".docx", nullptr, 1, nullptr);
+  cache.AddFile(L"C:\\Users\\ann\\Filewell\\alpha.xlsx", nullptr, 0, nullptr);
   const std::wstring request = cache.BuildRequest(L"", 0);
   const std::wstring textRecord = FreshTempPath(L"syncsim-requests.txt");
   const std::wstring rawRecord = FreshTempPath(L"syncsim-requests.bin");

@@ -6,6 +6,7 @@
 
 #include "common/text.h"
 #include "synclink/sync_app_pipe.h"
+#include "tests/caller.h"
 #include "tests/windows/sync_sim_process.h"
 #include "tests/windows/wine_test_support.h"
 
@@ -23,7 +24,8 @@ std::wstring RequestFor(const std::wstring& path, bool retryModify = false, bool
 class SyncSim : public testing::Test {
  protected:
   void TearDown() override { syncSim_.Stop(); }
-  void ServeScenario(const std::wstring& scenario, const std::wstring& moreArguments = L"") {
+  void ServeScenario(const std::wstring& scenario, const std::wstring& moreArguments = L"", Caller caller = {}) {
+    TRACE_CALLER(caller);
     const std::wstring path = FreshTempPath(L"syncsim-scenario.txt");
     WriteUtf8File(path, scenario);
     ASSERT_TRUE(syncSim_.Start(L"--scenario " + Quoted(path) + L" " + moreArguments));

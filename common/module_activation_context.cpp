@@ -1,6 +1,6 @@
-#include "addin/module_activation_context.h"
+#include "common/module_activation_context.h"
 
-#include "addin/module.h"
+#include "common/module_instance.h"
 
 namespace {
 // Created once from the manifest resource and kept for the process: every

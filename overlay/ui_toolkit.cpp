@@ -1,15 +1,17 @@
-#include "addin/ui_toolkit.h"
+#include "overlay/ui_toolkit.h"
 
 #include <windows.h>
 #include <commctrl.h>
 #include <gdiplus.h>
 
-#include "addin/connection_state.h"
-#include "addin/module_activation_context.h"
+#include "common/module_activation_context.h"
 #include "log/log_folder.h"
 #include "log/write_log.h"
+#include "overlay/overlay_images.h"
 
 namespace {
+// Token of our GDI+ start-up.
+ULONG_PTR GdiplusToken = 0;
 // Whether GdiplusToken belongs to a start-up of ours that has not been
 // ended yet.
 bool gdiplusStarted = false;

@@ -1,4 +1,4 @@
-#include "common/win_error.h"
+#include "log/log_last_error.h"
 
 #include <windows.h>
 

@@ -1,0 +1,3 @@
+#include "common/host_application.h"
+
+ComPtr<IDispatch> HostApplication;

@@ -1,0 +1,3 @@
+#include "overlay/overlay_images.h"
+
+std::wstring ImagesFolder;

@@ -1,0 +1,3 @@
+#include "synclink/immediate_update_event.h"
+
+UniqueHandle ImmediateUpdateEvent;
