@@ -37,10 +37,6 @@ const wchar_t* const kOverlayClassNames[] = {
     L"QelvoFilewellSync-MSOfficeAddin-LightGreyHorScrollUI", L"QelvoFilewellSync-MSOfficeAddin-LightBlueHorScrollUI",
 };
 
-void DestroyRecordOverlays(FileStatusRecord& record) {
-  DestroyOverlayWindows(record.subOverlayWindow, record.badgeWindow);
-}
-
 // The five extensibility methods as late-bound callers name them.
 struct ExtensibilityMember {
   const wchar_t* name;

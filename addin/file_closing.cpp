@@ -17,8 +17,9 @@ void OnFileClosing(ComPtr<IDispatch> document) {
     return;
   }
   const bool unsaved = HasUnsavedChanges(document);
-  FileStatusRecord& record = cache.Find(path);
-  const bool addinIsClosingIt = record.retryModify || record.resolveConflict || record.retryRenameOrMove;
+  const std::optional<FileStatusRecord> record = cache.Find(path);
+  if (!record) return;
+  const bool addinIsClosingIt = record->retryModify || record->resolveConflict || record->retryRenameOrMove;
   if (unsaved && !addinIsClosingIt) {
     // The user's own close of a modified file: the host now asks about
     // saving, and the document may well stay open.
@@ -26,10 +27,9 @@ void OnFileClosing(ComPtr<IDispatch> document) {
     return;
   }
   WriteLog(LogLevel::Info, (unsaved ? L"we close this file to sync event - " : L"close file - ") + path);
-  record.isOpen = 0;
-  DestroyOverlayWindows(record.subOverlayWindow, record.badgeWindow);
-  record.overlayKind = 0;
-  const std::wstring request = cache.BuildRequest(path, 0);
-  cache.RemoveFile(path);
+  DestroyRecordOverlays(path);
+  // One step: no longer open, shown as nothing, its last request built
+  // (saying "isOpen":false) and the record gone.
+  const std::wstring request = cache.CloseRecord(path);
   TheSyncAppPipe().Exchange(request);
 }

@@ -14,7 +14,7 @@ void FillCache(FileStatusCache& cache, size_t count) {
     const std::wstring path = DocumentPath(i);
     cache.AddFile(path, nullptr, static_cast<std::uint32_t>(i % 2), nullptr);
     // As after the first answer: the identifier is known and sent back.
-    cache.Find(path).file_combo_id = L"8f3c2a91-" + std::to_wstring(100000 + i);
+    cache.Change(path, [&](FileStatusRecord& r) { r.sync.file_combo_id = L"8f3c2a91-" + std::to_wstring(100000 + i); });
   }
 }
 

@@ -40,7 +40,7 @@ void RunUpdates(benchmark::State& state, bool alternate) {
       if (alternate) variant = 1 - variant;
     }
     const AnswerFields& fields = variants[alternate ? 1 - variant : 0][i];
-    cache.UpdateFile(fields.file_path, nullptr, 0, fields);
+    cache.UpdateFile(fields.file_path, fields);
     ++i;
   }
   state.SetItemsProcessed(static_cast<int64_t>(state.iterations()));

@@ -40,48 +40,48 @@ std::map<std::wstring, std::wstring> Users(const std::wstring& ids, const std::w
 
 void CheckAnswered(const FileStatusRecord& r, const Expected& e) {
   const AnswerObject& o = e.last;
-  FUZZ_CHECK(r.is_sync_file == Flag(o, L"is_sync_file", 0));
-  FUZZ_CHECK(r.file_combo_id == Text(o, L"file_combo_id"));
-  FUZZ_CHECK(r.is_internet_connected == Flag(o, L"is_internet_connected", 1));
-  FUZZ_CHECK(r.is_loading_data_from_server == Flag(o, L"is_loading_data_from_server", 1));
-  FUZZ_CHECK(r.last_modified_by_quid == Text(o, L"last_modified_by_quid"));
-  FUZZ_CHECK(r.last_modified_by == Text(o, L"last_modified_by"));
-  FUZZ_CHECK(r.last_modified_time == Text(o, L"last_modified_time"));
-  FUZZ_CHECK(r.downloadState == e.downloadState);
-  FUZZ_CHECK(r.is_conflict_present == Flag(o, L"is_conflict_present", 0));
-  FUZZ_CHECK(r.is_rename_present == Flag(o, L"is_rename_present", 0));
-  FUZZ_CHECK(r.is_move_present == Flag(o, L"is_move_present", 0));
-  FUZZ_CHECK(r.is_folder_move_present == Flag(o, L"is_folder_move_present", 0));
-  FUZZ_CHECK(r.src == Text(o, L"src"));
-  FUZZ_CHECK(r.dest == Text(o, L"dest"));
-  FUZZ_CHECK(r.is_delete_present == Flag(o, L"is_delete_present", 0));
-  FUZZ_CHECK(r.all_viewers_quid == Text(o, L"all_viewers_quid"));
-  FUZZ_CHECK(r.all_viewers_names == Text(o, L"all_viewers_names"));
-  FUZZ_CHECK(r.all_editors_quid == Text(o, L"all_editors_quid"));
-  FUZZ_CHECK(r.all_editors_names == Text(o, L"all_editors_names"));
-  FUZZ_CHECK(r.viewersByQuid == Users(r.all_viewers_quid, r.all_viewers_names));
-  FUZZ_CHECK(r.editorsByQuid == Users(r.all_editors_quid, r.all_editors_names));
+  FUZZ_CHECK(r.sync.is_sync_file == Flag(o, L"is_sync_file", 0));
+  FUZZ_CHECK(r.sync.file_combo_id == Text(o, L"file_combo_id"));
+  FUZZ_CHECK(r.sync.is_internet_connected == Flag(o, L"is_internet_connected", 1));
+  FUZZ_CHECK(r.sync.is_loading_data_from_server == Flag(o, L"is_loading_data_from_server", 1));
+  FUZZ_CHECK(r.sync.last_modified_by_quid == Text(o, L"last_modified_by_quid"));
+  FUZZ_CHECK(r.sync.last_modified_by == Text(o, L"last_modified_by"));
+  FUZZ_CHECK(r.sync.last_modified_time == Text(o, L"last_modified_time"));
+  FUZZ_CHECK(r.sync.downloadState == e.downloadState);
+  FUZZ_CHECK(r.sync.is_conflict_present == Flag(o, L"is_conflict_present", 0));
+  FUZZ_CHECK(r.sync.is_rename_present == Flag(o, L"is_rename_present", 0));
+  FUZZ_CHECK(r.sync.is_move_present == Flag(o, L"is_move_present", 0));
+  FUZZ_CHECK(r.sync.is_folder_move_present == Flag(o, L"is_folder_move_present", 0));
+  FUZZ_CHECK(r.sync.src == Text(o, L"src"));
+  FUZZ_CHECK(r.sync.dest == Text(o, L"dest"));
+  FUZZ_CHECK(r.sync.is_delete_present == Flag(o, L"is_delete_present", 0));
+  FUZZ_CHECK(r.sync.all_viewers_quid == Text(o, L"all_viewers_quid"));
+  FUZZ_CHECK(r.sync.all_viewers_names == Text(o, L"all_viewers_names"));
+  FUZZ_CHECK(r.sync.all_editors_quid == Text(o, L"all_editors_quid"));
+  FUZZ_CHECK(r.sync.all_editors_names == Text(o, L"all_editors_names"));
+  FUZZ_CHECK(r.sync.viewersByQuid == Users(r.sync.all_viewers_quid, r.sync.all_viewers_names));
+  FUZZ_CHECK(r.sync.editorsByQuid == Users(r.sync.all_editors_quid, r.sync.all_editors_names));
   // A record that ends up unlike a fresh one was changed by the answer, and
   // every change clears the redraw mark.
-  const bool differsFromFresh = r.is_sync_file != 0 || !r.file_combo_id.empty() || r.is_internet_connected != 1 ||
-                                r.is_loading_data_from_server != 1 || !r.last_modified_by_quid.empty() ||
-                                !r.last_modified_by.empty() || !r.last_modified_time.empty() ||
-                                r.downloadState != kAlreadyUpToDate || r.is_conflict_present != 0 ||
-                                r.is_rename_present != 0 || r.is_move_present != 0 ||
-                                r.is_folder_move_present != 0 || !r.src.empty() || !r.dest.empty() ||
-                                r.is_delete_present != 0 || !r.all_viewers_quid.empty() ||
-                                !r.all_viewers_names.empty() || !r.all_editors_quid.empty() ||
-                                !r.all_editors_names.empty();
+  const bool differsFromFresh = r.sync.is_sync_file != 0 || !r.sync.file_combo_id.empty() || r.sync.is_internet_connected != 1 ||
+                                r.sync.is_loading_data_from_server != 1 || !r.sync.last_modified_by_quid.empty() ||
+                                !r.sync.last_modified_by.empty() || !r.sync.last_modified_time.empty() ||
+                                r.sync.downloadState != kAlreadyUpToDate || r.sync.is_conflict_present != 0 ||
+                                r.sync.is_rename_present != 0 || r.sync.is_move_present != 0 ||
+                                r.sync.is_folder_move_present != 0 || !r.sync.src.empty() || !r.sync.dest.empty() ||
+                                r.sync.is_delete_present != 0 || !r.sync.all_viewers_quid.empty() ||
+                                !r.sync.all_viewers_names.empty() || !r.sync.all_editors_quid.empty() ||
+                                !r.sync.all_editors_names.empty();
   if (differsFromFresh) FUZZ_CHECK(r.overlayUpToDate == 0);
 }
 
 void CheckUntouched(const FileStatusRecord& r) {
   const FileStatusRecord fresh;
   FUZZ_CHECK(r.overlayUpToDate == 1);
-  FUZZ_CHECK(r.is_sync_file == fresh.is_sync_file && r.file_combo_id.empty());
-  FUZZ_CHECK(r.is_internet_connected == 1 && r.is_loading_data_from_server == 1);
-  FUZZ_CHECK(r.downloadState == kAlreadyUpToDate && r.src.empty() && r.dest.empty());
-  FUZZ_CHECK(r.viewersByQuid.empty() && r.editorsByQuid.empty());
+  FUZZ_CHECK(r.sync.is_sync_file == fresh.sync.is_sync_file && r.sync.file_combo_id.empty());
+  FUZZ_CHECK(r.sync.is_internet_connected == 1 && r.sync.is_loading_data_from_server == 1);
+  FUZZ_CHECK(r.sync.downloadState == kAlreadyUpToDate && r.sync.src.empty() && r.sync.dest.empty());
+  FUZZ_CHECK(r.sync.viewersByQuid.empty() && r.sync.editorsByQuid.empty());
 }
 }  // namespace
 
@@ -92,7 +92,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   const HWND window = reinterpret_cast<HWND>(static_cast<std::uintptr_t>(0x1234));
   for (const std::wstring& path : kPaths) {
     FUZZ_CHECK(cache.AddFile(path, window, 1, nullptr) == 1);
-    cache.Find(path).overlayUpToDate = 1;
+    cache.Change(path, [&](FileStatusRecord& r) { r.overlayUpToDate = 1; });
   }
 
   std::map<std::wstring, Expected> expected;
@@ -109,10 +109,10 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   ApplyAnswer(cache, objects);
 
   FUZZ_CHECK(cache.syncAppHasData == !objects.empty());
-  FUZZ_CHECK(cache.records().size() == 2);
+  FUZZ_CHECK(cache.Size() == 2);
   for (const std::wstring& path : kPaths) {
     FUZZ_CHECK(cache.Contains(path));
-    const FileStatusRecord& record = cache.Find(path);
+    const FileStatusRecord record = *cache.Find(path);
     // The update thread passes the record's own window and editing state.
     FUZZ_CHECK(record.hostWindow == window && record.isEditing == 1);
     if (expected[path].answered) {
@@ -130,7 +130,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   for (const std::wstring& path : kPaths) {
     FUZZ_CHECK(request.find(L"{\"filepath\":\"" + path + L"\",\"isOpen\":true,\"isEditing\":true,") !=
                std::wstring::npos);
-    FUZZ_CHECK(request.find(L"\"file_combo_id\":\"" + cache.Find(path).file_combo_id + L"\",\"officeApp\":\"") !=
+    FUZZ_CHECK(request.find(L"\"file_combo_id\":\"" + cache.Find(path)->sync.file_combo_id + L"\",\"officeApp\":\"") !=
                std::wstring::npos);
   }
   return 0;

@@ -11,6 +11,32 @@ std::unique_ptr<AddinLog>& AddinLogSlot() {
   return *slot;
 }
 
+// How long a writer waits for another thread of the process to finish its
+// line: longer than that thread's own wait for the named mutex. A line
+// that still cannot be written is dropped rather than written over
+// another thread's.
+constexpr DWORD kWriterTurnMs = 12000;
+
+// Holds the process's writer lock for one line, if it could be had.
+class WriterTurn {
+ public:
+  explicit WriterTurn(HANDLE lock) : lock_(lock) {
+    const DWORD wait = lock ? WaitForSingleObject(lock, kWriterTurnMs) : WAIT_FAILED;
+    // WAIT_ABANDONED: the last writer was ended mid-line; the turn is ours.
+    owned_ = wait == WAIT_OBJECT_0 || wait == WAIT_ABANDONED;
+  }
+  ~WriterTurn() {
+    if (owned_) ReleaseMutex(lock_);
+  }
+  WriterTurn(const WriterTurn&) = delete;
+  WriterTurn& operator=(const WriterTurn&) = delete;
+  bool owned() const { return owned_; }
+
+ private:
+  HANDLE lock_;
+  bool owned_ = false;
+};
+
 std::wstring CurrentTimestamp() {
   SYSTEMTIME now;
   GetLocalTime(&now);
@@ -37,6 +63,8 @@ AddinLog::AddinLog(const std::wstring& folder, const wchar_t* fileName, const wc
       pidText_(std::to_wstring(GetCurrentProcessId())) {}
 
 void AddinLog::WriteLine(LogLevel level, const std::wstring& message) {
+  const WriterTurn turn(writerLock_.get());
+  if (!turn.owned()) return;
   const HANDLE mutex = LogMutex();
   // A writer that waited 5 s writes anyway: a lost line is worse than a
   // line out of order, and a hung Office is worse than both.
@@ -53,6 +81,8 @@ void AddinLog::WriteLine(LogLevel level, const std::wstring& message) {
 }
 
 void AddinLog::Close() {
+  const WriterTurn turn(writerLock_.get());
+  if (!turn.owned()) return;
   const HANDLE mutex = LogMutex();
   if (mutex) WaitForSingleObject(mutex, 5000);
   CloseFile();

@@ -18,6 +18,7 @@ class AddinLog {
   AddinLog(const std::wstring& folder, const wchar_t* fileName, const wchar_t* rotatedFileName);
 
   // Writes one line under the named log mutex, rotating first if needed.
+  // The process's own writers go one at a time.
   void WriteLine(LogLevel level, const std::wstring& message);
 
   // Lets go of the file (under the mutex); the next line opens it again.
@@ -35,6 +36,12 @@ class AddinLog {
   std::wstring logPath_;
   std::wstring rotatedPath_;
   std::wstring pidText_;
+  // The process's own writers take turns here before they meet other
+  // processes at the named mutex: that one may be missing or time out, and
+  // two threads must never share the buffer and the file handle. A kernel
+  // mutex, so a thread ended while writing (the update thread, as a last
+  // resort at disconnection) hands it on instead of holding it for good.
+  UniqueHandle writerLock_{CreateMutexW(nullptr, FALSE, nullptr)};
   std::string buffer_;  // reused for the UTF-8 bytes of each line
   UniqueFileHandle file_;
 };

@@ -10,6 +10,12 @@ cmake --preset native >/dev/null
 cmake --build --preset native
 ctest --preset native
 
+# The same tests once more under ThreadSanitizer: the cache and the log are
+# shared by two threads.
+cmake --preset tsan >/dev/null
+cmake --build --preset tsan
+ctest --preset tsan
+
 cmake --preset windows >/dev/null
 cmake --build --preset windows
 # A fresh prefix per run: tests must not lean on what an earlier run left.

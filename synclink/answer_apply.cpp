@@ -39,12 +39,10 @@ void ApplyAnswer(FileStatusCache& cache, const std::vector<AnswerObject>& object
       continue;
     }
     WriteLog(LogLevel::Debug, L"yes, data exists");
-    // Read as values, not through a reference: the UI thread may drop the
-    // record at any moment (the document was closed), and then the answer
-    // for it no longer matters.
-    HWND hostWindow = nullptr;
-    std::uint32_t isEditing = 0;
-    if (!cache.HostStateOf(fields.file_path, hostWindow, isEditing)) continue;
-    cache.UpdateFile(fields.file_path, hostWindow, isEditing, fields);
+    // The UI thread may drop the record at any moment (the document was
+    // closed), and then the answer for it no longer matters; an update
+    // that finds it gone changes nothing either.
+    if (!cache.Contains(fields.file_path)) continue;
+    cache.UpdateFile(fields.file_path, fields);
   }
 }

@@ -1,8 +1,58 @@
 #include "synclink/file_status_cache.h"
 
+#include <exception>
+#include <mutex>
+#include <utility>
+
 #include "log/exception_barrier.h"
 #include "synclink/record_update.h"
 #include "synclink/request_message.h"
+
+namespace {
+using Lock = std::lock_guard<RecordLock>;
+
+// One field of the add-in's own: the UI thread's copy wins where it
+// changed the field, the stored value stays where it did not.
+template <class T>
+void KeepChange(T& stored, const T& before, const T& after) {
+  if (!(after == before)) stored = after;
+}
+
+void MergeUiChanges(FileStatusRecord& s, const FileStatusRecord& b, const FileStatusRecord& a) {
+  KeepChange(s.hostWindow, b.hostWindow, a.hostWindow);
+  KeepChange(s.isEditing, b.isEditing, a.isEditing);
+  KeepChange(s.document, b.document, a.document);
+  KeepChange(s.downloadRequested, b.downloadRequested, a.downloadRequested);
+  KeepChange(s.reloadPromptPlain, b.reloadPromptPlain, a.reloadPromptPlain);
+  KeepChange(s.reloadPromptAskSave, b.reloadPromptAskSave, a.reloadPromptAskSave);
+  KeepChange(s.retryModify, b.retryModify, a.retryModify);
+  KeepChange(s.saveSeparateCopy, b.saveSeparateCopy, a.saveSeparateCopy);
+  KeepChange(s.renameMoveClicked, b.renameMoveClicked, a.renameMoveClicked);
+  KeepChange(s.renameMoveAskShown, b.renameMoveAskShown, a.renameMoveAskShown);
+  KeepChange(s.retryRenameOrMove, b.retryRenameOrMove, a.retryRenameOrMove);
+  KeepChange(s.retryDelete, b.retryDelete, a.retryDelete);
+  KeepChange(s.resolveConflictClicked, b.resolveConflictClicked, a.resolveConflictClicked);
+  KeepChange(s.conflictAskShown, b.conflictAskShown, a.conflictAskShown);
+  KeepChange(s.resolveConflict, b.resolveConflict, a.resolveConflict);
+  KeepChange(s.skipNextUpdate, b.skipNextUpdate, a.skipNextUpdate);
+  KeepChange(s.uiHide, b.uiHide, a.uiHide);
+  KeepChange(s.badgeWindow, b.badgeWindow, a.badgeWindow);
+  KeepChange(s.subOverlayWindow, b.subOverlayWindow, a.subOverlayWindow);
+  KeepChange(s.posX, b.posX, a.posX);
+  KeepChange(s.posY, b.posY, a.posY);
+  KeepChange(s.pressX, b.pressX, a.pressX);
+  KeepChange(s.pressY, b.pressY, a.pressY);
+  KeepChange(s.buttonDown, b.buttonDown, a.buttonDown);
+  KeepChange(s.dragged, b.dragged, a.dragged);
+  KeepChange(s.overlayKind, b.overlayKind, a.overlayKind);
+  KeepChange(s.isOpen, b.isOpen, a.isOpen);
+  KeepChange(s.seenStamp, b.seenStamp, a.seenStamp);
+  if (a.overlayUpToDate != b.overlayUpToDate) {
+    // Drawn from a report that an answer has replaced since: not up to date.
+    s.overlayUpToDate = a.overlayUpToDate && s.syncVersion == b.syncVersion ? 1 : 0;
+  }
+}
+}  // namespace
 
 FileStatusCache& TheFileStatusCache() {
   static auto* cache = new FileStatusCache();  // outlives every thread that may still use it
@@ -15,9 +65,12 @@ int FileStatusCache::AddFile(const std::wstring& path, HWND hostWindow, std::uin
     record.hostWindow = hostWindow;
     record.isEditing = isEditing;
     record.document = ComPtr<IDispatch>(document);
+    FileStatusRecord replaced;  // released outside the lock
     {
-      std::lock_guard<std::recursive_mutex> lock(mapLock_);
-      records_[path] = std::move(record);
+      Lock lock(lock_);
+      FileStatusRecord& stored = records_[path];
+      replaced = std::move(stored);
+      stored = std::move(record);
     }
     WriteLog(LogLevel::Info, L"file info stored in cache - " + path);
     return 1;
@@ -25,23 +78,61 @@ int FileStatusCache::AddFile(const std::wstring& path, HWND hostWindow, std::uin
 }
 
 bool FileStatusCache::Contains(const std::wstring& path) const {
-  std::lock_guard<std::recursive_mutex> lock(mapLock_);
+  Lock lock(lock_);
   return records_.count(path) != 0;
 }
 
-FileStatusRecord& FileStatusCache::Find(const std::wstring& path) {
-  std::lock_guard<std::recursive_mutex> lock(mapLock_);
-  return records_.at(path);
+std::optional<FileStatusRecord> FileStatusCache::Find(const std::wstring& path) const {
+  Lock lock(lock_);
+  const auto found = records_.find(path);
+  if (found == records_.end()) return std::nullopt;
+  return found->second;
+}
+
+std::vector<std::wstring> FileStatusCache::Paths() const {
+  Lock lock(lock_);
+  std::vector<std::wstring> paths;
+  paths.reserve(records_.size());
+  for (const auto& entry : records_) paths.push_back(entry.first);
+  return paths;
+}
+
+size_t FileStatusCache::Size() const {
+  Lock lock(lock_);
+  return records_.size();
+}
+
+bool FileStatusCache::Change(const std::wstring& path, const std::function<void(FileStatusRecord&)>& change) {
+  Lock lock(lock_);
+  const auto found = records_.find(path);
+  if (found == records_.end()) return false;
+  change(found->second);
+  return true;
+}
+
+bool FileStatusCache::StoreUiChanges(const std::wstring& path, const FileStatusRecord& before,
+                                     const FileStatusRecord& after) {
+  ComPtr<IDispatch> replacedDocument;  // released outside the lock
+  Lock lock(lock_);
+  const auto found = records_.find(path);
+  if (found == records_.end()) return false;
+  if (!(after.document == before.document)) replacedDocument = found->second.document;
+  MergeUiChanges(found->second, before, after);
+  return true;
 }
 
 int FileStatusCache::RemoveFile(const std::wstring& path) {
   return Guarded(L"removing cache data", 0, [&] {
-    size_t erased = 0;
+    std::optional<FileStatusRecord> erased;  // its document is released outside the lock
     {
-      std::lock_guard<std::recursive_mutex> lock(mapLock_);
-      erased = records_.erase(path);
+      Lock lock(lock_);
+      const auto found = records_.find(path);
+      if (found != records_.end()) {
+        erased = std::move(found->second);
+        records_.erase(found);
+      }
     }
-    if (erased != 0) {
+    if (erased) {
       WriteLog(LogLevel::Info, L"file info removed from cache - " + path);
     } else {
       WriteLog(LogLevel::Error, L"file info not available in cache - " + path);
@@ -50,59 +141,89 @@ int FileStatusCache::RemoveFile(const std::wstring& path) {
   });
 }
 
-std::wstring FileStatusCache::BuildRequest(const std::wstring& onlyPath, std::uint32_t includeUiHide) {
+std::wstring FileStatusCache::CloseRecord(const std::wstring& path) {
+  std::wstring request;
+  std::exception_ptr failure;  // logged once the lock is let go
+  std::optional<FileStatusRecord> erased;
+  {
+    Lock lock(lock_);
+    const auto found = records_.find(path);
+    if (found == records_.end()) return std::wstring();
+    // Every request built after this one no longer lists the file, and
+    // none built before it can be sent after it (the pipe's turn is held
+    // around building and sending).
+    found->second.isOpen = 0;
+    found->second.overlayKind = 0;
+    try {
+      request = BuildRequestLocked(path, false);
+    } catch (...) {
+      failure = std::current_exception();
+    }
+    erased = std::move(found->second);
+    records_.erase(found);
+  }
+  if (failure) {
+    request = Guarded(L"getting all cache data", std::wstring(L"ERROR"), [&]() -> std::wstring {
+      std::rethrow_exception(failure);
+    });
+  }
+  WriteLog(LogLevel::Info, L"file info removed from cache - " + path);
+  return request;
+}
+
+std::wstring FileStatusCache::BuildRequest(const std::wstring& onlyPath, std::uint32_t includeUiHide) const {
   return Guarded(L"getting all cache data", std::wstring(L"ERROR"), [&] {
-    std::lock_guard<std::recursive_mutex> lock(mapLock_);
-    // One allocation for the whole text: grown by doubling, a request for
-    // many files is copied again and again and, once large, every copy is
-    // fresh memory the system has to hand out page by page.
-    size_t length = std::char_traits<wchar_t>::length(kRequestStart) + std::char_traits<wchar_t>::length(kRequestEnd);
-    for (const auto& [path, stored] : records_) {
-      if (onlyPath.empty() || path == onlyPath) length += MaxRequestObjectLength(path, stored) + 1;
-    }
-    std::wstring request;
-    request.reserve(length);
-    request += kRequestStart;
-    bool first = true;
-    for (const auto& [path, stored] : records_) {
-      if (!onlyPath.empty() && path != onlyPath) continue;
-      // A copy, so no member changes between two of its fragments.
-      const FileStatusRecord record = stored;
-      if (!first) request += L',';
-      first = false;
-      AppendRequestObject(request, path, record, includeUiHide != 0, OfficeApp);
-    }
-    request += kRequestEnd;
-    return request;
+    Lock lock(lock_);
+    return BuildRequestLocked(onlyPath, includeUiHide != 0);
   });
 }
 
-void FileStatusCache::UpdateFile(const std::wstring& path, HWND hostWindow, std::uint32_t isEditing,
-                                 const AnswerFields& answer) {
+std::wstring FileStatusCache::BuildRequestLocked(const std::wstring& onlyPath, bool includeUiHide) const {
+  // One allocation for the whole text: grown by doubling, a request for
+  // many files is copied again and again and, once large, every copy is
+  // fresh memory the system has to hand out page by page.
+  size_t length = std::char_traits<wchar_t>::length(kRequestStart) + std::char_traits<wchar_t>::length(kRequestEnd);
+  for (const auto& [path, stored] : records_) {
+    if (onlyPath.empty() || path == onlyPath) length += MaxRequestObjectLength(path, stored) + 1;
+  }
+  std::wstring request;
+  request.reserve(length);
+  request += kRequestStart;
+  bool first = true;
+  // Read under the lock, so no member changes between two of a record's
+  // fragments and no document reference is touched on the update thread.
+  for (const auto& [path, stored] : records_) {
+    if (!onlyPath.empty() && path != onlyPath) continue;
+    if (!first) request += L',';
+    first = false;
+    AppendRequestObject(request, path, stored, includeUiHide, OfficeApp);
+  }
+  request += kRequestEnd;
+  return request;
+}
+
+void FileStatusCache::UpdateFile(const std::wstring& path, const AnswerFields& answer) {
   GuardedVoid(L"updating cache data", [&] {
-    // Copied under the lock: the UI thread may erase the record meanwhile.
-    FileStatusRecord working = [&] {
-      std::lock_guard<std::recursive_mutex> lock(mapLock_);
-      return records_.at(path);
+    // The report is the update thread's alone: copying it out, applying
+    // the answer and putting it back loses nothing the UI thread stored
+    // meanwhile. The change tags are logged outside the lock.
+    SyncReport report = [&] {
+      Lock lock(lock_);
+      return records_.at(path).sync;
     }();
-    ApplyAnswerToRecord(working, hostWindow, isEditing, answer);
+    const bool changed = ApplyAnswerToReport(report, answer);
     {
-      std::lock_guard<std::recursive_mutex> lock(mapLock_);
+      Lock lock(lock_);
       const auto stored = records_.find(path);
       // A document closed while its answer was applied stays gone: an
       // answer never brings a record (and its document reference) back.
       if (stored == records_.end()) return;
-      stored->second = std::move(working);  // the whole record in one step
+      stored->second.sync = std::move(report);
+      if (changed) {
+        stored->second.overlayUpToDate = 0;
+        ++stored->second.syncVersion;
+      }
     }
     WriteLog(LogLevel::Debug, L"windows cache updated");
   });
-}
-
-bool FileStatusCache::HostStateOf(const std::wstring& path, HWND& hostWindow, std::uint32_t& isEditing) const {
-  std::lock_guard<std::recursive_mutex> lock(mapLock_);
-  const auto stored = records_.find(path);
-  if (stored == records_.end()) return false;
-  hostWindow = stored->second.hostWindow;
-  isEditing = stored->second.isEditing;
-  return true;
 }

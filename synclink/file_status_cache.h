@@ -1,12 +1,24 @@
 #pragma once
 // The process-wide map from a document's full path (exactly as the host
 // gives it, case-sensitive) to its record.
+//
+// Two threads share it. The update thread owns each record's SyncReport:
+// it copies the report, applies an answer to the copy and puts back only
+// the report, so nothing the UI thread stored meanwhile is lost. The UI
+// thread owns the rest and reads and writes it only through calls that
+// take the lock for a moment and hand out copies, never references, so no
+// reference into the map outlives the lock and a closing document's steps
+// happen as one.
 #include <atomic>
+#include <cstdint>
+#include <functional>
 #include <map>
-#include <mutex>
+#include <optional>
 #include <string>
+#include <vector>
 
 #include "synclink/file_status_record.h"
+#include "synclink/record_lock.h"
 
 class FileStatusCache {
  public:
@@ -14,40 +26,53 @@ class FileStatusCache {
   // then draws nothing. Written by the update thread, read by the UI tick.
   std::atomic<bool> syncAppHasData{true};
 
-  // Stores a fresh record with the defaults (taking a reference on each
-  // non-null document) and logs it. 1, or 0 when an exception was caught.
+  // Stores a fresh record with the defaults (taking a reference on the
+  // document) and logs it. 1, or 0 when an exception was caught.
   int AddFile(const std::wstring& path, HWND hostWindow, std::uint32_t isEditing, IDispatch* document);
   bool Contains(const std::wstring& path) const;
-  // The record under the path; callers check Contains first. References
-  // stay valid while other records come and go.
-  FileStatusRecord& Find(const std::wstring& path);
+  // A copy of the record, or nothing. The copy holds its own reference on
+  // the document, so only the UI thread asks for one.
+  std::optional<FileStatusRecord> Find(const std::wstring& path) const;
+  // The paths in key order, and how many there are.
+  std::vector<std::wstring> Paths() const;
+  size_t Size() const;
+
+  // Runs `change` on the stored record under the lock; false when there
+  // is no record under the path. `change` makes plain assignments only: no
+  // window, COM, pipe, log or cache call.
+  bool Change(const std::wstring& path, const std::function<void(FileStatusRecord&)>& change);
+  // Writes back what the UI thread changed in its copy: every field of the
+  // add-in's own that differs between `before` (as read) and `after` (as
+  // changed). overlayUpToDate is set only if no answer changed the record
+  // since `before` was read. False when the record is gone.
+  bool StoreUiChanges(const std::wstring& path, const FileStatusRecord& before, const FileStatusRecord& after);
+
   // Erases the record; an unknown path is logged. 1, or 0 on an exception.
   int RemoveFile(const std::wstring& path);
-  // At disconnection: hands every record's overlay windows to
-  // `destroyWindows` (the overlay's, which lives above this layer), sends
-  // the sync app a last request for all files and empties the cache.
-  using WindowDestroyer = void (*)(FileStatusRecord& record);
+  // A closing document in one step: marks it no longer open and shown as
+  // nothing, builds its last request (which says "isOpen":false) and erases
+  // the record, logging it. The request text, or "ERROR" when it could not
+  // be built; empty when there was no record.
+  std::wstring CloseRecord(const std::wstring& path);
+  // At disconnection: hands every record's path to `destroyWindows` (the
+  // overlay's, which lives above this layer), sends the sync app a last
+  // request for all files and empties the cache.
+  using WindowDestroyer = void (*)(const std::wstring& path);
   int RemoveAll(WindowDestroyer destroyWindows);
 
   // The request text for all records (empty onlyPath) or for one; "ERROR"
   // when it could not be built.
-  std::wstring BuildRequest(const std::wstring& onlyPath, std::uint32_t includeUiHide);
+  std::wstring BuildRequest(const std::wstring& onlyPath, std::uint32_t includeUiHide) const;
 
-  // Writes one answer object into the record under `path` (copy, edit,
-  // write back whole), clearing overlayUpToDate on every change.
-  void UpdateFile(const std::wstring& path, HWND hostWindow, std::uint32_t isEditing, const AnswerFields& answer);
-  // The record's own window and unsaved state, read under the map lock;
-  // false when there is no record under the path (any more).
-  bool HostStateOf(const std::wstring& path, HWND& hostWindow, std::uint32_t& isEditing) const;
-
-  // For tests and the overlay: the records in key order.
-  const std::map<std::wstring, FileStatusRecord>& records() const { return records_; }
+  // Writes one answer object into the report of the record under `path`,
+  // clearing overlayUpToDate when anything changed. The update thread's.
+  void UpdateFile(const std::wstring& path, const AnswerFields& answer);
 
  private:
+  std::wstring BuildRequestLocked(const std::wstring& onlyPath, bool includeUiHide) const;
+
   std::map<std::wstring, FileStatusRecord> records_;
-  // Orders insertions, erasures and whole-record write-backs between the UI
-  // thread and the update thread inside this process.
-  mutable std::recursive_mutex mapLock_;
+  mutable RecordLock lock_;
 };
 
 // The one cache of the process; created on first use, never destroyed.

@@ -1,5 +1,9 @@
-// The cache's last act at disconnection, which needs windows and the pipe.
+// The cache's last act at disconnection, which needs the pipe.
 #include <windows.h>
+
+#include <map>
+#include <mutex>
+#include <utility>
 
 #include "log/exception_barrier.h"
 #include "synclink/file_status_cache.h"
@@ -7,15 +11,19 @@
 
 int FileStatusCache::RemoveAll(WindowDestroyer destroyWindows) {
   return Guarded(L"removing all cache data", 0, [&] {
-    std::lock_guard<std::recursive_mutex> lock(mapLock_);
-    for (auto& [path, record] : records_) {
-      if (destroyWindows) destroyWindows(record);
+    for (const std::wstring& path : Paths()) {
+      if (destroyWindows) destroyWindows(path);
       WriteLog(LogLevel::Info, L"file info removed from cache - " + path);
     }
     // The sync app learns of every file one last time; its answer no
     // longer matters.
     TheSyncAppPipe().Exchange(BuildRequest(L"", 0));
-    records_.clear();
+    std::map<std::wstring, FileStatusRecord> erased;  // documents released outside the lock
+    {
+      std::lock_guard<RecordLock> lock(lock_);
+      erased.swap(records_);
+    }
+    erased.clear();
     WriteLog(LogLevel::Info, L"all file info removed from cache");
     return 1;
   });

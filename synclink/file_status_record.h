@@ -1,7 +1,8 @@
 #pragma once
-// One open document's state: what the sync app last said about the file,
-// and the add-in's own state for it (open, unsaved, the user's choices,
-// its overlay windows).
+// One open document's state: what the sync app last said about the file
+// (SyncReport, written only by the update thread) and the add-in's own
+// state for it (open, unsaved, the user's choices, its overlay windows,
+// written only by the UI thread).
 #include <cstdint>
 #include <map>
 #include <string>
@@ -17,13 +18,9 @@ enum DownloadState : std::int32_t {
   kDownloadFailed = 3,
 };
 
-struct FileStatusRecord {
-  HWND hostWindow = nullptr;
-  std::uint32_t isEditing = 0;
-  // The host's document (Word document, Excel workbook or PowerPoint
-  // presentation), an owned reference: copying a record copies it,
-  // destroying releases it.
-  ComPtr<IDispatch> document;
+// What the sync app reports about a file, with the defaults a new record
+// starts from: "loading" and "connected" until the first answer arrives.
+struct SyncReport {
   std::uint32_t is_sync_file = 0;
   std::wstring file_combo_id;
   std::uint32_t is_internet_connected = 1;
@@ -32,22 +29,38 @@ struct FileStatusRecord {
   std::wstring last_modified_by;
   std::wstring last_modified_time;
   std::int32_t downloadState = kAlreadyUpToDate;
-  std::uint32_t downloadRequested = 0;
-  std::uint32_t reloadPromptPlain = 0;
-  std::uint32_t reloadPromptAskSave = 0;
-  std::uint32_t retryModify = 0;
-  std::uint32_t saveSeparateCopy = 0;
   std::uint32_t is_rename_present = 0;
   std::uint32_t is_move_present = 0;
   std::uint32_t is_folder_move_present = 0;
   std::wstring src;
   std::wstring dest;
+  std::uint32_t is_delete_present = 0;
+  std::uint32_t is_conflict_present = 0;
+  std::wstring all_viewers_quid;
+  std::wstring all_viewers_names;
+  std::wstring all_editors_quid;
+  std::wstring all_editors_names;
+  // Identifier to display name, rebuilt from the two strings of each list.
+  std::map<std::wstring, std::wstring> editorsByQuid;
+  std::map<std::wstring, std::wstring> viewersByQuid;
+};
+
+struct FileStatusRecord {
+  HWND hostWindow = nullptr;
+  std::uint32_t isEditing = 0;
+  // The host's document (Word document, Excel workbook or PowerPoint
+  // presentation), an owned reference: copying a record copies it,
+  // destroying releases it. Only the UI thread copies whole records.
+  ComPtr<IDispatch> document;
+  std::uint32_t downloadRequested = 0;
+  std::uint32_t reloadPromptPlain = 0;
+  std::uint32_t reloadPromptAskSave = 0;
+  std::uint32_t retryModify = 0;
+  std::uint32_t saveSeparateCopy = 0;
   std::uint32_t renameMoveClicked = 0;
   std::uint32_t renameMoveAskShown = 0;
   std::uint32_t retryRenameOrMove = 0;
-  std::uint32_t is_delete_present = 0;
   std::uint32_t retryDelete = 0;
-  std::uint32_t is_conflict_present = 0;
   std::uint32_t resolveConflictClicked = 0;
   std::uint32_t conflictAskShown = 0;
   std::uint32_t resolveConflict = 0;
@@ -61,17 +74,21 @@ struct FileStatusRecord {
   std::int32_t pressY = 0;
   std::uint32_t buttonDown = 0;
   std::uint32_t dragged = 0;
-  std::wstring all_viewers_quid;
-  std::wstring all_viewers_names;
-  std::wstring all_editors_quid;
-  std::wstring all_editors_names;
-  std::map<std::wstring, std::wstring> editorsByQuid;
-  std::map<std::wstring, std::wstring> viewersByQuid;
   std::int32_t overlayKind = 0;
+  // Cleared by every change an answer brings, set by the overlay once it
+  // has drawn the record.
   std::uint32_t overlayUpToDate = 0;
   std::uint32_t isOpen = 1;
   std::wstring seenStamp;
+
+  SyncReport sync;
+  // Counts the answers that changed `sync`: a drawing based on an older
+  // count is not the drawing of the record as it is now.
+  std::uint64_t syncVersion = 0;
 };
+
+// Clears the user's pending choices for a file (uiHide stays).
+void ResetUserActionFlags(FileStatusRecord& record);
 
 // What one answer object says about a file, with the defaults that a
 // missing member writes into the record.

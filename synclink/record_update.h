@@ -1,15 +1,15 @@
 #pragma once
-// The rules by which one answer object changes a record: every field that
-// differs is taken, clears overlayUpToDate and leaves a short change tag in
-// the trace log.
+// The rules by which one answer object changes what the sync app reported
+// about a file: every field that differs is taken and leaves a short change
+// tag in the trace log.
 #include <cstdint>
 #include <map>
 #include <string>
 
 #include "synclink/file_status_record.h"
 
-void ApplyAnswerToRecord(FileStatusRecord& record, HWND hostWindow, std::uint32_t isEditing,
-                         const AnswerFields& answer);
+// True when anything changed (the overlay must then be drawn again).
+bool ApplyAnswerToReport(SyncReport& report, const AnswerFields& answer);
 
 // "Downloading" 0, "Downloaded" 1, "Already Up-to-date" 2, "Download Failed"
 // 3; -1 for any other text (no change).

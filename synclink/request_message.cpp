@@ -18,7 +18,7 @@ void AppendFlag(std::wstring& out, const wchar_t* key, std::uint32_t value) {
 }  // namespace
 
 size_t MaxRequestObjectLength(const std::wstring& path, const FileStatusRecord& record) {
-  return std::size(kLongestFixedFragments) - 1 + kHostNumberDigits + path.size() + record.file_combo_id.size();
+  return std::size(kLongestFixedFragments) - 1 + kHostNumberDigits + path.size() + record.sync.file_combo_id.size();
 }
 
 void AppendRequestObject(std::wstring& out, const std::wstring& path, const FileStatusRecord& record,
@@ -34,7 +34,7 @@ void AppendRequestObject(std::wstring& out, const std::wstring& path, const File
   AppendFlag(out, L"retryDelete", record.retryDelete);
   if (includeUiHide) AppendFlag(out, L"uiHide", record.uiHide);
   out += L"\"file_combo_id\":\"";
-  out += record.file_combo_id;
+  out += record.sync.file_combo_id;
   out += L"\",\"officeApp\":\"";
   out += std::to_wstring(static_cast<unsigned>(host));
   out += L"\"}";

@@ -32,7 +32,7 @@ class ApplyAnswerTest : public testing::Test {
 }  // namespace
 
 TEST_F(ApplyAnswerTest, WritesAFullAnswerWithItsChangeTagsInOrder) {
-  cache.Find(L"C:\\a.docx").overlayUpToDate = 1;
+  cache.Change(L"C:\\a.docx", [&](FileStatusRecord& r) { r.overlayUpToDate = 1; });
   Apply(L"{\"resp\":[{\"file_path\":\"C:\\a.docx\",\"is_sync_file\":\"true\",\"file_combo_id\":\"k3\","
         L"\"is_internet_connected\":\"false\",\"is_loading_data_from_server\":\"false\","
         L"\"last_modified_by_quid\":\"q1\",\"last_modified_by\":\"Bo\",\"last_modified_time\":\"10:00\","
@@ -40,18 +40,18 @@ TEST_F(ApplyAnswerTest, WritesAFullAnswerWithItsChangeTagsInOrder) {
         L"\"is_move_present\":\"true\",\"is_folder_move_present\":\"true\",\"src\":\"old\",\"dest\":\"new\","
         L"\"is_delete_present\":\"true\",\"all_viewers_quid\":\"v1|v2\",\"all_viewers_names\":\"Vi|Va\","
         L"\"all_editors_quid\":\"e1\",\"all_editors_names\":\"Ed\"}]}");
-  const FileStatusRecord& r = cache.Find(L"C:\\a.docx");
+  const FileStatusRecord r = *cache.Find(L"C:\\a.docx");
   EXPECT_EQ(DebugTags(), (std::vector<std::wstring>{L"5", L"6", L"7a", L"7b", L"8 a", L"8 b", L"9", L"10 a", L"11",
                                                     L"12", L"13 a", L"13 b", L"14", L"15", L"16", L"17", L"18"}));
   EXPECT_TRUE(cache.syncAppHasData);
   EXPECT_EQ(r.overlayUpToDate, 0u);
-  EXPECT_EQ(r.is_sync_file, 1u);
-  EXPECT_EQ(r.file_combo_id, L"k3");
-  EXPECT_EQ(r.is_internet_connected, 0u);
-  EXPECT_EQ(r.downloadState, 0);
-  EXPECT_EQ(r.dest, L"new");
-  EXPECT_EQ(r.viewersByQuid, (std::map<std::wstring, std::wstring>{{L"v1", L"Vi"}, {L"v2", L"Va"}}));
-  EXPECT_EQ(r.editorsByQuid, (std::map<std::wstring, std::wstring>{{L"e1", L"Ed"}}));
+  EXPECT_EQ(r.sync.is_sync_file, 1u);
+  EXPECT_EQ(r.sync.file_combo_id, L"k3");
+  EXPECT_EQ(r.sync.is_internet_connected, 0u);
+  EXPECT_EQ(r.sync.downloadState, 0);
+  EXPECT_EQ(r.sync.dest, L"new");
+  EXPECT_EQ(r.sync.viewersByQuid, (std::map<std::wstring, std::wstring>{{L"v1", L"Vi"}, {L"v2", L"Va"}}));
+  EXPECT_EQ(r.sync.editorsByQuid, (std::map<std::wstring, std::wstring>{{L"e1", L"Ed"}}));
   // The thread passes the record's own window and editing state.
   EXPECT_EQ(r.hostWindow, reinterpret_cast<HWND>(0x10));
   EXPECT_EQ(r.isEditing, 1u);
@@ -59,9 +59,9 @@ TEST_F(ApplyAnswerTest, WritesAFullAnswerWithItsChangeTagsInOrder) {
 }
 
 TEST_F(ApplyAnswerTest, SetsAMissingInternetFlagToConnected) {
-  cache.Find(L"C:\\a.docx").is_internet_connected = 0;
+  cache.Change(L"C:\\a.docx", [&](FileStatusRecord& r) { r.sync.is_internet_connected = 0; });
   Apply(L"{\"resp\":[{\"file_path\":\"C:\\a.docx\"}]}");
-  EXPECT_EQ(cache.Find(L"C:\\a.docx").is_internet_connected, 1u);
+  EXPECT_EQ(cache.Find(L"C:\\a.docx")->sync.is_internet_connected, 1u);
 }
 
 TEST_F(ApplyAnswerTest, ChangesTheDownloadStateOnlyOnceForTheSameText) {
@@ -70,7 +70,7 @@ TEST_F(ApplyAnswerTest, ChangesTheDownloadStateOnlyOnceForTheSameText) {
   size_t tags = 0;
   for (const auto& tag : DebugTags()) tags += tag == L"10 b";
   EXPECT_EQ(tags, 1u);
-  EXPECT_EQ(cache.Find(L"C:\\a.docx").downloadState, 1);
+  EXPECT_EQ(cache.Find(L"C:\\a.docx")->sync.downloadState, 1);
 }
 
 TEST_F(ApplyAnswerTest, MovesBetweenEveryDownloadStateAndIgnoresUnknownTexts) {
@@ -79,7 +79,7 @@ TEST_F(ApplyAnswerTest, MovesBetweenEveryDownloadStateAndIgnoresUnknownTexts) {
                                                   {L"whatever", 1}, {L"", 1}, {L"Download Failed", 3}};
   for (const auto& [text, state] : steps) {
     Apply(std::wstring(L"{\"resp\":[{\"file_path\":\"C:\\a.docx\",\"is_download_present\":\"") + text + L"\"}]}");
-    EXPECT_EQ(cache.Find(L"C:\\a.docx").downloadState, state) << text;
+    EXPECT_EQ(cache.Find(L"C:\\a.docx")->sync.downloadState, state) << text;
   }
   EXPECT_EQ(DebugTags(), (std::vector<std::wstring>{L"10 d", L"10 a", L"10 c", L"10 b", L"10 d"}));
 }
@@ -87,37 +87,37 @@ TEST_F(ApplyAnswerTest, MovesBetweenEveryDownloadStateAndIgnoresUnknownTexts) {
 TEST_F(ApplyAnswerTest, EmptiesTheViewersWhenTheirListBecomesEmpty) {
   Apply(L"{\"resp\":[{\"file_path\":\"C:\\a.docx\",\"all_viewers_quid\":\"v1\",\"all_viewers_names\":\"Vi\"}]}");
   ClearCapturedLog();
-  cache.Find(L"C:\\a.docx").overlayUpToDate = 1;
+  cache.Change(L"C:\\a.docx", [&](FileStatusRecord& r) { r.overlayUpToDate = 1; });
   Apply(L"{\"resp\":[{\"file_path\":\"C:\\a.docx\",\"all_viewers_quid\":\"\",\"all_viewers_names\":\"\"}]}");
-  EXPECT_TRUE(cache.Find(L"C:\\a.docx").viewersByQuid.empty());
+  EXPECT_TRUE(cache.Find(L"C:\\a.docx")->sync.viewersByQuid.empty());
   EXPECT_EQ(DebugTags(), (std::vector<std::wstring>{L"17"}));
-  EXPECT_EQ(cache.Find(L"C:\\a.docx").overlayUpToDate, 0u);
+  EXPECT_EQ(cache.Find(L"C:\\a.docx")->overlayUpToDate, 0u);
 }
 
 TEST_F(ApplyAnswerTest, DropsAnAnswerForAFileNotInTheCache) {
   Apply(L"{\"resp\":[{\"file_path\":\"C:\\other.docx\",\"is_sync_file\":\"true\"}]}");
   EXPECT_FALSE(cache.Contains(L"C:\\other.docx"));
-  EXPECT_EQ(cache.Find(L"C:\\a.docx").is_sync_file, 0u);
+  EXPECT_EQ(cache.Find(L"C:\\a.docx")->sync.is_sync_file, 0u);
   EXPECT_NE(std::find(CapturedMessages().begin(), CapturedMessages().end(), L"no, data doesn't exists"),
             CapturedMessages().end());
 }
 
 TEST_F(ApplyAnswerTest, TreatsErrorAsNoDataAndChangesNoRecord) {
-  const FileStatusRecord before = cache.Find(L"C:\\a.docx");
+  const FileStatusRecord before = *cache.Find(L"C:\\a.docx");
   Apply(L"ERROR");
   EXPECT_FALSE(cache.syncAppHasData);
-  const FileStatusRecord& after = cache.Find(L"C:\\a.docx");
-  EXPECT_EQ(after.is_loading_data_from_server, before.is_loading_data_from_server);
-  EXPECT_EQ(after.downloadState, before.downloadState);
+  const FileStatusRecord after = *cache.Find(L"C:\\a.docx");
+  EXPECT_EQ(after.sync.is_loading_data_from_server, before.sync.is_loading_data_from_server);
+  EXPECT_EQ(after.sync.downloadState, before.sync.downloadState);
   EXPECT_EQ(DebugTags(), std::vector<std::wstring>{});
 }
 
 TEST_F(ApplyAnswerTest, LeavesAnUnchangedRecordMarkedAsDrawn) {
   Apply(L"{\"resp\":[{\"file_path\":\"C:\\a.docx\"}]}");
-  cache.Find(L"C:\\a.docx").overlayUpToDate = 1;
+  cache.Change(L"C:\\a.docx", [&](FileStatusRecord& r) { r.overlayUpToDate = 1; });
   ClearCapturedLog();
   Apply(L"{\"resp\":[{\"file_path\":\"C:\\a.docx\"}]}");
-  EXPECT_EQ(cache.Find(L"C:\\a.docx").overlayUpToDate, 1u);
+  EXPECT_EQ(cache.Find(L"C:\\a.docx")->overlayUpToDate, 1u);
   EXPECT_TRUE(DebugTags().empty());
 }
 
@@ -145,6 +145,6 @@ TEST_F(ApplyAnswerTest, GoesOnWithTheNextFileWhenARecordIsDroppedWhileTheAnswerI
   SetCapturedLogObserver(nullptr);
 
   EXPECT_FALSE(cache.Contains(L"C:\\a.docx"));
-  EXPECT_EQ(cache.Find(L"C:\\b.docx").is_sync_file, 1u);
+  EXPECT_EQ(cache.Find(L"C:\\b.docx")->sync.is_sync_file, 1u);
   for (const auto& line : CapturedLog()) EXPECT_NE(line.level, LogLevel::Error) << ToUtf8(line.message);
 }

@@ -1,23 +1,43 @@
 #include "tests/native/captured_log.h"
 
+#include <atomic>
+#include <mutex>
+
 std::vector<CapturedLine>& CapturedLog() {
   static std::vector<CapturedLine> lines;
   return lines;
 }
 
 namespace {
+std::mutex& LogLock() {
+  static std::mutex lock;
+  return lock;
+}
 std::function<void(const CapturedLine&)>& Observer() {
   static std::function<void(const CapturedLine&)> observer;
   return observer;
 }
-bool g_observing = false;
+thread_local bool t_observing = false;
+std::atomic<int> g_pauses{0};
+std::atomic<unsigned long long> g_lineCount{0};
 }  // namespace
 
-void ClearCapturedLog() { CapturedLog().clear(); }
+CapturedLogPause::CapturedLogPause() { ++g_pauses; }
+CapturedLogPause::~CapturedLogPause() { --g_pauses; }
+unsigned long long CapturedLineCount() { return g_lineCount.load(); }
 
-void SetCapturedLogObserver(std::function<void(const CapturedLine&)> observer) { Observer() = std::move(observer); }
+void ClearCapturedLog() {
+  std::lock_guard<std::mutex> lock(LogLock());
+  CapturedLog().clear();
+}
+
+void SetCapturedLogObserver(std::function<void(const CapturedLine&)> observer) {
+  std::lock_guard<std::mutex> lock(LogLock());
+  Observer() = std::move(observer);
+}
 
 std::vector<std::wstring> CapturedMessages(bool includeDebug) {
+  std::lock_guard<std::mutex> lock(LogLock());
   std::vector<std::wstring> messages;
   for (const auto& line : CapturedLog()) {
     if (includeDebug || line.level != LogLevel::Debug) messages.push_back(line.message);
@@ -26,15 +46,24 @@ std::vector<std::wstring> CapturedMessages(bool includeDebug) {
 }
 
 void WriteLog(LogLevel level, std::wstring message) noexcept {
+  ++g_lineCount;
+  if (g_pauses.load() > 0) return;
   try {
-    CapturedLog().push_back({level, std::move(message)});
-    if (Observer() && !g_observing) {
-      g_observing = true;
-      const CapturedLine line = CapturedLog().back();
-      Observer()(line);
-      g_observing = false;
+    CapturedLine line{level, std::move(message)};
+    std::function<void(const CapturedLine&)> observer;
+    {
+      std::lock_guard<std::mutex> lock(LogLock());
+      CapturedLog().push_back(line);
+      if (!t_observing) observer = Observer();
+    }
+    // Outside the lock: the observer may act on the code under test, which
+    // logs again (those lines reach it no more).
+    if (observer) {
+      t_observing = true;
+      observer(line);
+      t_observing = false;
     }
   } catch (...) {
-    g_observing = false;
+    t_observing = false;
   }
 }

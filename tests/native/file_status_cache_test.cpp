@@ -16,13 +16,13 @@ TEST_F(Cache, StoresANewFileWithLoadingDefaultsAndLogsIt) {
   HWND window = reinterpret_cast<HWND>(0x1234);
   EXPECT_EQ(cache.AddFile(L"C:\\a.docx", window, 1, nullptr), 1);
   ASSERT_TRUE(cache.Contains(L"C:\\a.docx"));
-  const FileStatusRecord& record = cache.Find(L"C:\\a.docx");
+  const FileStatusRecord record = *cache.Find(L"C:\\a.docx");
   EXPECT_EQ(record.hostWindow, window);
   EXPECT_EQ(record.isEditing, 1u);
-  EXPECT_EQ(record.is_sync_file, 0u);
-  EXPECT_EQ(record.is_internet_connected, 1u);
-  EXPECT_EQ(record.is_loading_data_from_server, 1u);
-  EXPECT_EQ(record.downloadState, 2);
+  EXPECT_EQ(record.sync.is_sync_file, 0u);
+  EXPECT_EQ(record.sync.is_internet_connected, 1u);
+  EXPECT_EQ(record.sync.is_loading_data_from_server, 1u);
+  EXPECT_EQ(record.sync.downloadState, 2);
   EXPECT_EQ(record.isOpen, 1u);
   EXPECT_EQ(record.overlayKind, 0);
   EXPECT_EQ(record.overlayUpToDate, 0u);
@@ -33,9 +33,9 @@ TEST_F(Cache, StoresANewFileWithLoadingDefaultsAndLogsIt) {
 TEST_F(Cache, KeepsTwoPathsThatDifferOnlyInCaseApart) {
   cache.AddFile(L"C:\\Report.docx", nullptr, 0, nullptr);
   cache.AddFile(L"C:\\report.docx", nullptr, 1, nullptr);
-  EXPECT_EQ(cache.records().size(), 2u);
-  EXPECT_EQ(cache.Find(L"C:\\Report.docx").isEditing, 0u);
-  EXPECT_EQ(cache.Find(L"C:\\report.docx").isEditing, 1u);
+  EXPECT_EQ(cache.Size(), 2u);
+  EXPECT_EQ(cache.Find(L"C:\\Report.docx")->isEditing, 0u);
+  EXPECT_EQ(cache.Find(L"C:\\report.docx")->isEditing, 1u);
 }
 
 TEST_F(Cache, RemovingAnUnknownPathLogsAnErrorAndSucceeds) {
@@ -57,7 +57,7 @@ TEST_F(Cache, HoldsOneReferenceOnTheDocumentAndGivesItBackOnRemoval) {
   cache.AddFile(L"C:\\a.docx", nullptr, 0, &document);
   EXPECT_EQ(document.references, 2);
   {
-    const FileStatusRecord copy = cache.Find(L"C:\\a.docx");
+    const FileStatusRecord copy = *cache.Find(L"C:\\a.docx");
     EXPECT_EQ(document.references, 3);
   }
   EXPECT_EQ(document.references, 2);
@@ -71,24 +71,23 @@ TEST_F(Cache, KeepsTheReferenceBalancedAcrossUpdatesAndRequests) {
   AnswerFields answer;
   answer.file_path = L"C:\\a.xlsx";
   answer.is_sync_file = 1;
-  cache.UpdateFile(L"C:\\a.xlsx", nullptr, 0, answer);
+  cache.UpdateFile(L"C:\\a.xlsx", answer);
   cache.BuildRequest(L"", 0);
   EXPECT_EQ(workbook.references, 2);
   cache.RemoveFile(L"C:\\a.xlsx");
   EXPECT_EQ(workbook.references, 1);
 }
 
-TEST_F(Cache, KeepsRecordReferencesValidWhileOthersAreAdded) {
+TEST_F(Cache, KeepsARecordsChangesWhileOthersAreAdded) {
   cache.AddFile(L"C:\\m.docx", nullptr, 0, nullptr);
-  FileStatusRecord& record = cache.Find(L"C:\\m.docx");
+  cache.Change(L"C:\\m.docx", [](FileStatusRecord& r) { r.uiHide = 1; });
   for (int i = 0; i < 100; ++i) cache.AddFile(L"C:\\" + std::to_wstring(i), nullptr, 0, nullptr);
-  record.uiHide = 1;
-  EXPECT_EQ(cache.Find(L"C:\\m.docx").uiHide, 1u);
+  EXPECT_EQ(cache.Find(L"C:\\m.docx")->uiHide, 1u);
 }
 
 TEST_F(Cache, UpdatingAFileThatIsNotThereLogsAndChangesNothing) {
   AnswerFields answer;
-  cache.UpdateFile(L"C:\\gone.docx", nullptr, 0, answer);
+  cache.UpdateFile(L"C:\\gone.docx", answer);
   EXPECT_FALSE(cache.Contains(L"C:\\gone.docx"));
   ASSERT_FALSE(CapturedLog().empty());
   EXPECT_EQ(CapturedLog()[0].level, LogLevel::Error);
@@ -106,11 +105,11 @@ TEST_F(Cache, DoesNotBringBackARecordRemovedWhileItsAnswerWasApplied) {
   AnswerFields answer;
   answer.file_path = L"C:\\a.docx";
   answer.is_sync_file = 1;
-  cache.UpdateFile(L"C:\\a.docx", nullptr, 0, answer);
+  cache.UpdateFile(L"C:\\a.docx", answer);
   SetCapturedLogObserver(nullptr);
 
   EXPECT_FALSE(cache.Contains(L"C:\\a.docx"));
-  EXPECT_TRUE(cache.records().empty());
+  EXPECT_TRUE(cache.Size() == 0);
   EXPECT_EQ(document.references, 1);
   EXPECT_EQ(CapturedMessages(false), (std::vector<std::wstring>{L"file info stored in cache - C:\\a.docx",
                                                                 L"file info removed from cache - C:\\a.docx"}));

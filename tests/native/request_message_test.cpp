@@ -54,9 +54,9 @@ TEST_F(RequestMessage, SendsAQuoteInAPathUnescaped) {
 
 TEST_F(RequestMessage, CarriesUiHideOnlyWhenAskedBetweenRetryDeleteAndTheId) {
   cache.AddFile(L"C:\\a.docx", nullptr, 0, nullptr);
-  cache.Find(L"C:\\a.docx").uiHide = 1;
-  cache.Find(L"C:\\a.docx").retryDelete = 1;
-  cache.Find(L"C:\\a.docx").file_combo_id = L"k3v9x";
+  cache.Change(L"C:\\a.docx", [&](FileStatusRecord& r) { r.uiHide = 1; });
+  cache.Change(L"C:\\a.docx", [&](FileStatusRecord& r) { r.retryDelete = 1; });
+  cache.Change(L"C:\\a.docx", [&](FileStatusRecord& r) { r.sync.file_combo_id = L"k3v9x"; });
   EXPECT_EQ(cache.BuildRequest(L"C:\\a.docx", 0).find(L"uiHide"), std::wstring::npos);
   EXPECT_EQ(cache.BuildRequest(L"C:\\a.docx", 1),
             L"{\"files\":[{\"filepath\":\"C:\\a.docx\",\"isOpen\":true,\"isEditing\":false,\"resolveConflict\":false,"
@@ -66,11 +66,12 @@ TEST_F(RequestMessage, CarriesUiHideOnlyWhenAskedBetweenRetryDeleteAndTheId) {
 
 TEST_F(RequestMessage, WritesEveryChoiceFlagTheUserMade) {
   cache.AddFile(L"C:\\a.docx", nullptr, 0, nullptr);
-  FileStatusRecord& record = cache.Find(L"C:\\a.docx");
-  record.isOpen = 0;
-  record.resolveConflict = 1;
-  record.retryModify = 1;
-  record.retryRenameOrMove = 1;
+  cache.Change(L"C:\\a.docx", [](FileStatusRecord& record) {
+    record.isOpen = 0;
+    record.resolveConflict = 1;
+    record.retryModify = 1;
+    record.retryRenameOrMove = 1;
+  });
   EXPECT_EQ(cache.BuildRequest(L"", 0),
             L"{\"files\":[{\"filepath\":\"C:\\a.docx\",\"isOpen\":false,\"isEditing\":false,\"resolveConflict\":true,"
             L"\"retryModify\":true,\"retryRenameOrMove\":true,\"retryDelete\":false,\"file_combo_id\":\"\","
@@ -80,7 +81,7 @@ TEST_F(RequestMessage, WritesEveryChoiceFlagTheUserMade) {
 TEST(RequestObjectLength, LeavesRoomForTheLongestObjectOfARecord) {
   FileStatusRecord record;  // every user choice false: the longest flags
   record.isOpen = 0;
-  record.file_combo_id = L"8f3c2a91-100042";
+  record.sync.file_combo_id = L"8f3c2a91-100042";
   const std::wstring path = L"C:\\Users\\ann\\Filewell\\report.docx";
   std::wstring object;
   AppendRequestObject(object, path, record, true, OfficeHost::PowerPoint);

@@ -40,10 +40,11 @@ TEST_F(CacheRemoveAll, SendsOneLastRequestForEveryFileInKeyOrderWithoutUiHide) {
   FileStatusCache& cache = TheFileStatusCache();
   cache.AddFile(L"C:\\Users\\ann\\Filewell\\b.xlsx", nullptr, 1, nullptr);
   cache.AddFile(L"C:\\Users\\ann\\Filewell\\a.xlsx", nullptr, 0, nullptr);
-  FileStatusRecord& b = cache.Find(L"C:\\Users\\ann\\Filewell\\b.xlsx");
-  b.file_combo_id = L"k3v9x";
-  b.retryModify = 1;
-  b.uiHide = 1;
+  cache.Change(L"C:\\Users\\ann\\Filewell\\b.xlsx", [](FileStatusRecord& b) {
+    b.sync.file_combo_id = L"k3v9x";
+    b.retryModify = 1;
+    b.uiHide = 1;
+  });
   StartSyncSim();
 
   EXPECT_EQ(cache.RemoveAll(nullptr), 1);
@@ -58,7 +59,7 @@ TEST_F(CacheRemoveAll, SendsOneLastRequestForEveryFileInKeyOrderWithoutUiHide) {
       "\"file_combo_id\":\"k3v9x\",\"officeApp\":\"2\"}]}";
   EXPECT_EQ(ReadFileBytes(textRecord_), expected + "\n");
   EXPECT_EQ(ReadFileBytes(rawRecord_).size(), (expected.size() + 1) * 2);
-  EXPECT_TRUE(cache.records().empty());
+  EXPECT_TRUE(cache.Size() == 0);
   EXPECT_EQ(LogMessages(LogFilePath()), (std::vector<std::string>{
                                             "file info stored in cache - C:\\Users\\ann\\Filewell\\b.xlsx",
                                             "file info stored in cache - C:\\Users\\ann\\Filewell\\a.xlsx",
@@ -83,7 +84,7 @@ TEST_F(CacheRemoveAll, EmptiesTheCacheEvenWithoutTheSyncApp) {
 
   EXPECT_EQ(TheFileStatusCache().RemoveAll(nullptr), 1);
 
-  EXPECT_TRUE(TheFileStatusCache().records().empty());
+  EXPECT_TRUE(TheFileStatusCache().Size() == 0);
   EXPECT_EQ(LogMessages(LogFilePath()), (std::vector<std::string>{
                                             "file info stored in cache - C:\\Users\\ann\\Filewell\\a.xlsx",
                                             "file info removed from cache - C:\\Users\\ann\\Filewell\\a.xlsx",

@@ -39,13 +39,13 @@ TEST_P(DocumentRoutine, ASavedDocumentGetsARecordWithLoadingDefaultsAndSetsTheEv
   EXPECT_EQ(Record(document), document->fullName());
   ASSERT_EQ(host_.CachedPaths(), std::vector<std::wstring>{document->fullName()});
   EXPECT_TRUE(host_.EventIsSet());
-  const FileStatusRecord& record = host_.Record(document->fullName());
+  // The record keeps one reference; the one the routine was given is back.
+  EXPECT_EQ(document->references(), referencesBefore + 1);
+  const FileStatusRecord record = host_.Record(document->fullName());
   EXPECT_EQ(record.document.get(), static_cast<IDispatch*>(document));
   EXPECT_EQ(record.isEditing, 0u);
   EXPECT_EQ(record.isOpen, 1u);
-  EXPECT_EQ(record.is_loading_data_from_server, 1u);
-  // The record keeps one reference; the one the routine was given is back.
-  EXPECT_EQ(document->references(), referencesBefore + 1);
+  EXPECT_EQ(record.sync.is_loading_data_from_server, 1u);
   const std::string path = Narrow(document->fullName());
   EXPECT_EQ(host_.Messages(), (std::vector<std::string>{std::string(LogWord(GetParam())) +
                                                              " open/activate/save - " + path,

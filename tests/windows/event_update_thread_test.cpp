@@ -79,9 +79,9 @@ class EventUpdateThread : public testing::Test {
     TRACE_CALLER(caller);
     FileStatusCache& cache = TheFileStatusCache();
     ASSERT_EQ(cache.AddFile(kPath, nullptr, 0, nullptr), 1);
-    cache.Find(kPath).is_sync_file = 1;
-    cache.Find(kPath).file_combo_id = L"k3";
-    cache.Find(kPath).overlayUpToDate = 1;
+    cache.Change(kPath, [&](FileStatusRecord& r) { r.sync.is_sync_file = 1; });
+    cache.Change(kPath, [&](FileStatusRecord& r) { r.sync.file_combo_id = L"k3"; });
+    cache.Change(kPath, [&](FileStatusRecord& r) { r.overlayUpToDate = 1; });
     SyncSimProcess syncApp;
     ASSERT_TRUE(syncApp.Start(arguments));
     StartThread();
@@ -92,10 +92,10 @@ class EventUpdateThread : public testing::Test {
       const auto messages = MessagesOfThread(ReadLog(LogFilePath()), "EvntUpdate");
       EXPECT_TRUE(ContainsInOrder(messages, {"event update thread starts", logged}));
     }
-    const FileStatusRecord& after = cache.Find(kPath);
-    EXPECT_EQ(after.is_sync_file, 1u);
-    EXPECT_EQ(after.file_combo_id, L"k3");
-    EXPECT_EQ(after.is_loading_data_from_server, 1u);
+    const FileStatusRecord after = *cache.Find(kPath);
+    EXPECT_EQ(after.sync.is_sync_file, 1u);
+    EXPECT_EQ(after.sync.file_combo_id, L"k3");
+    EXPECT_EQ(after.sync.is_loading_data_from_server, 1u);
     EXPECT_EQ(after.overlayUpToDate, 1u);
   }
   static bool EventIsSet() { return WaitForSingleObject(ImmediateUpdateEvent.get(), 0) == WAIT_OBJECT_0; }
@@ -107,9 +107,9 @@ class EventUpdateThread : public testing::Test {
 TEST_F(EventUpdateThread, WithoutASyncAppLogsTheOpenFailureAndChangesNoRecord) {
   FileStatusCache& cache = TheFileStatusCache();
   ASSERT_EQ(cache.AddFile(kPath, nullptr, 1, nullptr), 1);
-  cache.Find(kPath).is_sync_file = 1;
-  cache.Find(kPath).file_combo_id = L"k3";
-  cache.Find(kPath).overlayUpToDate = 1;
+  cache.Change(kPath, [&](FileStatusRecord& r) { r.sync.is_sync_file = 1; });
+  cache.Change(kPath, [&](FileStatusRecord& r) { r.sync.file_combo_id = L"k3"; });
+  cache.Change(kPath, [&](FileStatusRecord& r) { r.overlayUpToDate = 1; });
 
   StartThread();
   ASSERT_TRUE(WaitUntil([] { return Cycles() >= 1; }, 10000));
@@ -120,10 +120,10 @@ TEST_F(EventUpdateThread, WithoutASyncAppLogsTheOpenFailureAndChangesNoRecord) {
   EXPECT_EQ(messages[0], "event update thread starts");
   EXPECT_EQ(messages[1], kOpenFailure);
   EXPECT_FALSE(cache.syncAppHasData);
-  const FileStatusRecord& record = cache.Find(kPath);
-  EXPECT_EQ(record.is_sync_file, 1u);
-  EXPECT_EQ(record.file_combo_id, L"k3");
-  EXPECT_EQ(record.is_loading_data_from_server, 1u);
+  const FileStatusRecord record = *cache.Find(kPath);
+  EXPECT_EQ(record.sync.is_sync_file, 1u);
+  EXPECT_EQ(record.sync.file_combo_id, L"k3");
+  EXPECT_EQ(record.sync.is_loading_data_from_server, 1u);
   EXPECT_EQ(record.overlayUpToDate, 1u);
   EXPECT_EQ(record.isOpen, 1u);
 }
@@ -181,13 +181,13 @@ TEST_F(EventUpdateThread, WritesTheSyncAppsAnswerIntoTheRecord) {
   ASSERT_TRUE(WaitUntil([&] { return ReadLines(requestsFile).size() >= 2; }, 10000));
   StopThread();
   syncApp.Stop();
-  const FileStatusRecord& record = cache.Find(kPath);
+  const FileStatusRecord record = *cache.Find(kPath);
   EXPECT_TRUE(cache.syncAppHasData);
-  EXPECT_EQ(record.is_sync_file, 1u);
-  EXPECT_EQ(record.is_loading_data_from_server, 0u);
-  EXPECT_EQ(record.is_internet_connected, 1u);  // not reported: connected
-  EXPECT_EQ(record.downloadState, 1);
-  EXPECT_EQ(record.editorsByQuid, (std::map<std::wstring, std::wstring>{{L"u1", L"Ann"}, {L"u2", L"Bo"}}));
+  EXPECT_EQ(record.sync.is_sync_file, 1u);
+  EXPECT_EQ(record.sync.is_loading_data_from_server, 0u);
+  EXPECT_EQ(record.sync.is_internet_connected, 1u);  // not reported: connected
+  EXPECT_EQ(record.sync.downloadState, 1);
+  EXPECT_EQ(record.sync.editorsByQuid, (std::map<std::wstring, std::wstring>{{L"u1", L"Ann"}, {L"u2", L"Bo"}}));
   EXPECT_EQ(record.overlayUpToDate, 0u);
   // The thread asks about every open file, without uiHide, and sends the
   // sync app's id back once it has one.

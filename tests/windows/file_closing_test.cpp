@@ -101,11 +101,12 @@ class FileClosing : public testing::TestWithParam<SimHost> {
   // An open, cached document with a badge and a panel window of its own.
   SimDocument* OpenCachedWithWindows(const wchar_t* base) {
     SimDocument* document = host_.Open(base + DocumentExtension(GetParam()));
-    FileStatusRecord& record = host_.Record(document->fullName());
     badge_.reset(CreatePlainWindow());
     panel_.reset(CreatePlainWindow());
-    record.badgeWindow = badge_.get();
-    record.subOverlayWindow = panel_.get();
+    host_.ChangeRecord(document->fullName(), [&](FileStatusRecord& record) {
+      record.badgeWindow = badge_.get();
+      record.subOverlayWindow = panel_.get();
+    });
     host_.ClearLog();
     return document;
   }
@@ -133,7 +134,7 @@ TEST_P(FileClosing, TheUsersCloseOfAModifiedCachedFileOnlyLogs) {
   EXPECT_EQ(host_.Messages(), std::vector<std::string>{message});
   EXPECT_EQ(host_.LevelOf(message), "I");
   ASSERT_TRUE(TheFileStatusCache().Contains(document->fullName()));
-  const FileStatusRecord& record = host_.Record(document->fullName());
+  const FileStatusRecord record = host_.Record(document->fullName());
   EXPECT_EQ(record.isOpen, 1u);
   EXPECT_EQ(record.badgeWindow, badge_.get());
   EXPECT_TRUE(IsWindow(badge_.get()));
@@ -145,10 +146,11 @@ TEST_P(FileClosing, TheAddinsOwnCloseForEachSyncActionDropsTheRecordAndItsWindow
   for (int flag = 0; flag < 3; ++flag) {
     SimDocument* document = OpenCachedWithWindows(flag == 0 ? L"retry" : flag == 1 ? L"conflict" : L"moved");
     const std::wstring path = document->fullName();
-    FileStatusRecord& record = host_.Record(path);
-    record.retryModify = flag == 0;
-    record.resolveConflict = flag == 1;
-    record.retryRenameOrMove = flag == 2;
+    host_.ChangeRecord(path, [&](FileStatusRecord& record) {
+      record.retryModify = flag == 0;
+      record.resolveConflict = flag == 1;
+      record.retryRenameOrMove = flag == 2;
+    });
     document->MarkEdited();
     const size_t requestsBefore = syncApp_.requests().size();
     Closing(document);
@@ -192,7 +194,7 @@ TEST_P(FileClosing, TheAddinsCloseRunsTheHandlerInsideTheHostsClose) {
   SimDocument* keep = host_.Open(L"keep" + DocumentExtension(GetParam()));
   SimDocument* document = OpenCachedWithWindows(L"resync");
   const std::wstring path = document->fullName();
-  host_.Record(path).retryModify = 1;
+  host_.ChangeRecord(path, [](FileStatusRecord& record) { record.retryModify = 1; });
   document->MarkEdited();
   CloseFile(ComPtr<IDispatch>(document), CloseMode::CloseWithoutSaving);
   // By the time CloseFile returns the host has closed it and the record is gone.

@@ -9,6 +9,7 @@
 
 #include <gtest/gtest.h>
 
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -137,11 +138,13 @@ class InProcessHost {
   }
 
   static std::vector<std::wstring> CachedPaths() {
-    std::vector<std::wstring> paths;
-    for (const auto& entry : TheFileStatusCache().records()) paths.push_back(entry.first);
-    return paths;
+    return TheFileStatusCache().Paths();
   }
-  static FileStatusRecord& Record(const std::wstring& path) { return TheFileStatusCache().Find(path); }
+  // A copy of the cached record (throws when there is none).
+  static FileStatusRecord Record(const std::wstring& path) { return TheFileStatusCache().Find(path).value(); }
+  static void ChangeRecord(const std::wstring& path, const std::function<void(FileStatusRecord&)>& change) {
+    ASSERT_TRUE(TheFileStatusCache().Change(path, change));
+  }
 
   static void ForgetAllRecords() {
     for (const std::wstring& path : CachedPaths()) TheFileStatusCache().RemoveFile(path);

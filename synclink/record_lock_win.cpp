@@ -1,0 +1,19 @@
+#include <windows.h>
+
+#include <stdexcept>
+
+#include "synclink/record_lock.h"
+
+RecordLock::RecordLock() : native_(CreateMutexW(nullptr, FALSE, nullptr)) {
+  if (native_ == nullptr) throw std::runtime_error("couldn't create the file status cache's lock");
+}
+RecordLock::~RecordLock() { CloseHandle(static_cast<HANDLE>(native_)); }
+
+void RecordLock::lock() {
+  // WAIT_ABANDONED: the owner was ended inside; the lock is ours now.
+  const DWORD wait = WaitForSingleObject(static_cast<HANDLE>(native_), 5000);
+  if (wait != WAIT_OBJECT_0 && wait != WAIT_ABANDONED) {
+    throw std::runtime_error("the file status cache stayed locked for 5 s");
+  }
+}
+void RecordLock::unlock() { ReleaseMutex(static_cast<HANDLE>(native_)); }
