@@ -1,0 +1,149 @@
+#include "overlay/confirm_leave_panel.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <string>
+#include <vector>
+
+#include "overlay/layout_steps.h"
+#include "overlay/window_class_names.h"
+#include "tests/caller.h"
+
+namespace {
+void ExpectSteps(const std::vector<LayoutStep>& actual, const std::vector<LayoutStep>& expected, Caller caller = {}) {
+  TRACE_CALLER(caller);
+  for (size_t i = 0; i < std::min(actual.size(), expected.size()); ++i)
+    EXPECT_EQ(actual[i], expected[i]) << "step " << i;
+  EXPECT_EQ(actual.size(), expected.size());
+}
+
+LayoutStep Description(const wchar_t* text, int height) {
+  return TextStep(text, {20, 20, 400, height}, 0, FontRole::Body, L"couldn't create confirm leave file description - ");
+}
+LayoutStep Note(int y) {
+  return TextStep(L"This may take some time...", {20, y, 200, 25}, 0, FontRole::BodyItalic,
+                  L"couldn't create confirm leave file time taken - ");
+}
+LayoutStep Yes(const wchar_t* caption, int y, int width, int id) {
+  return ButtonStep(caption, {20, y, width, 40}, id, L"couldn't create confirm leave file yes button - ");
+}
+LayoutStep No(const wchar_t* caption, int x, int y, int width, int id) {
+  return BorderedButtonStep(caption, {x, y, width, 40}, id, L"couldn't create confirm leave file no button - ");
+}
+
+enum Situation { kConflict, kDownload, kRename, kMove };
+PanelLayout Confirm(Situation situation, bool unsaved) {
+  return ConfirmLeavePanelLayout(unsaved, situation == kConflict, situation == kDownload, situation == kRename,
+                                 situation == kMove);
+}
+}  // namespace
+
+TEST(ConfirmLeavePanel, ForAConflictWithoutUnsavedChangesHasOneContinueButtonAtSeventy) {
+  const PanelLayout layout = Confirm(kConflict, false);
+  EXPECT_EQ(layout.width, 440);
+  EXPECT_EQ(layout.height, 130);
+  ExpectSteps(layout.steps,
+              {Description(L"Filewell Sync will close this file and open the Resolve Conflict window.", 40),
+               Yes(L"Continue", 70, 130, 3007)});
+}
+
+TEST(ConfirmLeavePanel, ForAConflictWithUnsavedChangesAsksToSaveOrDiscard) {
+  const PanelLayout layout = Confirm(kConflict, true);
+  EXPECT_EQ(layout.height, 150);
+  ExpectSteps(layout.steps,
+              {Description(L"Filewell Sync will close this file and open the Resolve Conflict window. Do you want to "
+                           L"save your changes before closing this file?",
+                           60),
+               Yes(L"Save & Continue", 90, 170, 3008), No(L"Discard & Continue", 210, 90, 170, 3009)});
+}
+
+TEST(ConfirmLeavePanel, ForADownloadWithoutUnsavedChangesOffersReloadBelowTheNote) {
+  const PanelLayout layout = Confirm(kDownload, false);
+  EXPECT_EQ(layout.height, 155);
+  ExpectSteps(layout.steps, {Description(L"To load the latest version of this file, click \"Reload\".", 40), Note(60),
+                             Yes(L"Reload", 95, 120, 3003)});
+}
+
+TEST(ConfirmLeavePanel, ForADownloadWithUnsavedChangesPutsTheNoteAtEightyAndTheButtonsAtOneHundredFifteen) {
+  const PanelLayout layout = Confirm(kDownload, true);
+  EXPECT_EQ(layout.height, 175);
+  ExpectSteps(layout.steps,
+              {Description(L"This file has unsaved changes. Do you want to save your changes as a separate copy before "
+                           L"reloading this file?",
+                           60),
+               Note(80), Yes(L"Save a copy & Reload", 115, 180, 3004), No(L"Discard & Reload", 220, 115, 180, 3005)});
+}
+
+TEST(ConfirmLeavePanel, ForARenameWithoutUnsavedChangesOffersContinue) {
+  const PanelLayout layout = Confirm(kRename, false);
+  EXPECT_EQ(layout.height, 165);
+  ExpectSteps(
+      layout.steps,
+      {Description(L"Click \"Continue\" to reload and sync the renamed file from the web to your computer.", 40),
+       Note(70), Yes(L"Continue", 105, 130, 3011)});
+}
+
+TEST(ConfirmLeavePanel, ForARenameWithUnsavedChangesPutsTheNoteAtNinetyAndTheSecondButtonAtTwoHundredTen) {
+  const PanelLayout layout = Confirm(kRename, true);
+  EXPECT_EQ(layout.height, 185);
+  ExpectSteps(layout.steps,
+              {Description(L"This file has unsaved changes. Do you want to save your changes before reloading and "
+                           L"syncing the renamed file from the web to your computer?",
+                           60),
+               Note(90), Yes(L"Save & Continue", 125, 170, 3012), No(L"Discard & Continue", 210, 125, 170, 3013)});
+}
+
+TEST(ConfirmLeavePanel, ForAMoveWithoutUnsavedChangesTalksOfTheNewLocation) {
+  const PanelLayout layout = Confirm(kMove, false);
+  EXPECT_EQ(layout.height, 165);
+  ExpectSteps(layout.steps,
+              {Description(L"Click \"Continue\" to reload and sync the file from the new location on the web to your "
+                           L"computer.",
+                           40),
+               Note(70), Yes(L"Continue", 105, 130, 3011)});
+}
+
+TEST(ConfirmLeavePanel, ForAMoveWithUnsavedChangesUsesTheRenameButtons) {
+  const PanelLayout layout = Confirm(kMove, true);
+  EXPECT_EQ(layout.height, 185);
+  ExpectSteps(layout.steps,
+              {Description(L"This file has unsaved changes. Do you want to save your changes before reloading and "
+                           L"syncing the file from the new location on the web to your computer?",
+                           60),
+               Note(90), Yes(L"Save & Continue", 125, 170, 3012), No(L"Discard & Continue", 210, 125, 170, 3013)});
+}
+
+TEST(ConfirmLeavePanel, GivesTheSecondButtonABorder) {
+  EXPECT_EQ(Confirm(kDownload, true).steps[3].style, 0x5080000Bu);
+  EXPECT_EQ(Confirm(kDownload, true).steps[2].style, 0x5000000Bu);
+}
+
+TEST(ConfirmLeavePanel, TriesTheSituationsInTheOrderConflictDownloadRenameMove) {
+  EXPECT_EQ(ConfirmLeavePanelLayout(false, true, true, true, true).steps.back().id, 3007);
+  EXPECT_EQ(ConfirmLeavePanelLayout(false, false, true, true, true).steps.back().id, 3003);
+  EXPECT_EQ(ConfirmLeavePanelLayout(false, false, false, true, true).steps[0].text,
+            L"Click \"Continue\" to reload and sync the renamed file from the web to your computer.");
+}
+
+TEST(ConfirmLeavePanel, IsNotBuildableWithoutASituation) {
+  const PanelLayout layout = ConfirmLeavePanelLayout(true, false, false, false, false);
+  EXPECT_FALSE(layout.IsBuildable());
+  EXPECT_EQ(layout.width, 0);
+  EXPECT_TRUE(layout.steps.empty());
+}
+
+TEST(ConfirmLeavePanel, IsAWhiteBorderedPopupWithItsOwnFailureTexts) {
+  const PanelLayout layout = Confirm(kConflict, false);
+  EXPECT_TRUE(layout.IsBuildable());
+  EXPECT_EQ(layout.placement, PanelPlacement::AgainstBadge);
+  EXPECT_EQ(layout.className, kMainUiClass);
+  EXPECT_EQ(layout.style, 0x80800000u);
+  EXPECT_EQ(std::wstring(layout.officeRectFailureText),
+            L"couldn't get ms office window rect while creating confirm leave file UI - ");
+  EXPECT_EQ(std::wstring(layout.badgeRectFailureText),
+            L"couldn't get parent window rect while creating confirm leave file UI - ");
+  EXPECT_EQ(std::wstring(layout.windowFailureText), L"couldn't create confirm leave file sub overlay UI - ");
+  EXPECT_EQ(layout.finalResizeFailureText, nullptr);
+  EXPECT_EQ(std::wstring(layout.exceptionActivity), L"creating close confirmation UI");
+}
