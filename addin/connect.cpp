@@ -3,6 +3,7 @@
 #include <new>
 
 #include "addin/connection_state.h"
+#include "addin/custom_ui_timer.h"
 #include "addin/heap_corruption_handler.h"
 #include "addin/host_identity.h"
 #include "addin/module.h"
@@ -17,9 +18,9 @@
 #include "log/log_last_error.h"
 #include "log/thread_names.h"
 #include "log/write_log.h"
-#include "overlay/custom_ui_updater.h"
 #include "overlay/overlay_windows.h"
 #include "overlay/ui_toolkit.h"
+#include "overlay/window_class_names.h"
 #include "overlay/window_classes.h"
 #include "synclink/event_update_thread.h"
 #include "synclink/file_status_cache.h"
@@ -29,13 +30,6 @@ namespace {
 // TerminateThread returns before the thread has ended; ending it takes no
 // more than a moment, so this only bounds a wait that should never last.
 constexpr DWORD kThreadGoneWaitMs = 1000;
-
-const wchar_t* const kOverlayClassNames[] = {
-    L"QelvoFilewellSync-MSOfficeAddin-MainUI",          L"QelvoFilewellSync-MSOfficeAddin-GreenUI",
-    L"QelvoFilewellSync-MSOfficeAddin-RedUI",           L"QelvoFilewellSync-MSOfficeAddin-BlueUI",
-    L"QelvoFilewellSync-MSOfficeAddin-LightGreyUI",     L"QelvoFilewellSync-MSOfficeAddin-VerWhiteScrollUI",
-    L"QelvoFilewellSync-MSOfficeAddin-LightGreyHorScrollUI", L"QelvoFilewellSync-MSOfficeAddin-LightBlueHorScrollUI",
-};
 
 // The five extensibility methods as late-bound callers name them.
 struct ExtensibilityMember {
@@ -255,8 +249,8 @@ void CConnect::StartRunningParts() {
   } else {
     WriteLog(LogLevel::Error, L"hinstance not available");
   }
-  for (size_t i = 0; i < std::size(kOverlayClassNames); ++i) {
-    const ATOM atom = RegisterOverlayWindowClass(kOverlayClassNames[i], instance);
+  for (size_t i = 0; i < std::size(kOverlayWindowClasses); ++i) {
+    const ATOM atom = RegisterOverlayWindowClass(instance, kOverlayWindowClasses[i].name);
     if (i == 0) WriteLog(atom != 0 ? LogLevel::Debug : LogLevel::Error, atom != 0 ? L"class registered" : L"class not registered");
   }
 

@@ -18,7 +18,8 @@ HANDLE ModuleActivationContext() {
 }
 }  // namespace
 
-ScopedModuleActivation::ScopedModuleActivation() {
+ScopedModuleActivation::ScopedModuleActivation(bool wanted) {
+  if (!wanted) return;
   const HANDLE context = ModuleActivationContext();
   if (context != INVALID_HANDLE_VALUE) active_ = ActivateActCtx(context, &cookie_) != FALSE;
 }

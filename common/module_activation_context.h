@@ -6,7 +6,9 @@
 // that creates common controls for us does so inside this scope.
 class ScopedModuleActivation {
  public:
-  ScopedModuleActivation();
+  // `wanted` false: does nothing (for code that activates only around the
+  // creation of common controls).
+  explicit ScopedModuleActivation(bool wanted = true);
   ~ScopedModuleActivation();
   ScopedModuleActivation(const ScopedModuleActivation&) = delete;
   ScopedModuleActivation& operator=(const ScopedModuleActivation&) = delete;

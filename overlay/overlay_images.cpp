@@ -1,3 +1,33 @@
 #include "overlay/overlay_images.h"
 
+#include <map>
+
+#include "log/log_folder.h"
+#include "log/write_log.h"
+#include "overlay/image_file_names.h"
+#include "overlay/image_loading.h"
+
 std::wstring ImagesFolder;
+
+std::wstring AvatarFolder() { return AppDataPath() + L"\\" + L"QelvoFilewell" + L"\\avatar"; }
+
+namespace {
+// UI thread only, like every overlay call. Never emptied: the bitmaps are
+// in use by windows for as long as the add-in is loaded.
+std::map<std::wstring, HBITMAP>& Slots() {
+  static auto* slots = new std::map<std::wstring, HBITMAP>();
+  return *slots;
+}
+}  // namespace
+
+HBITMAP SharedImage(const wchar_t* fileName) {
+  HBITMAP& slot = Slots()[fileName];
+  if (slot == nullptr) slot = LoadImageBitmap(ImagesFolder + L"\\" + fileName);
+  return slot;
+}
+
+HBITMAP DefaultAvatar() {
+  HBITMAP avatar = SharedImage(kDefaultAvatarImage);
+  WriteLog(LogLevel::Debug, L"default avatar loaded");
+  return avatar;
+}

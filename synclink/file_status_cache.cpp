@@ -121,6 +121,24 @@ bool FileStatusCache::StoreUiChanges(const std::wstring& path, const FileStatusR
   return true;
 }
 
+std::optional<std::wstring> FileStatusCache::PathOfWindow(HWND window, WindowRole role) const {
+  if (window == nullptr) return std::nullopt;
+  Lock lock(lock_);
+  for (const auto& [path, record] : records_) {
+    if ((role == WindowRole::Badge ? record.badgeWindow : record.subOverlayWindow) == window) return path;
+  }
+  return std::nullopt;
+}
+
+void FileStatusCache::ForgetWindow(HWND window) {
+  if (window == nullptr) return;
+  Lock lock(lock_);
+  for (auto& entry : records_) {
+    if (entry.second.badgeWindow == window) entry.second.badgeWindow = nullptr;
+    if (entry.second.subOverlayWindow == window) entry.second.subOverlayWindow = nullptr;
+  }
+}
+
 int FileStatusCache::RemoveFile(const std::wstring& path) {
   return Guarded(L"removing cache data", 0, [&] {
     std::optional<FileStatusRecord> erased;  // its document is released outside the lock

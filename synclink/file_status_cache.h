@@ -47,6 +47,14 @@ class FileStatusCache {
   // since `before` was read. False when the record is gone.
   bool StoreUiChanges(const std::wstring& path, const FileStatusRecord& before, const FileStatusRecord& after);
 
+  // The path of the first record, in key order, whose badge (or panel) is
+  // `window`: how a window procedure finds the file a message is about.
+  enum class WindowRole { Badge, Panel };
+  std::optional<std::wstring> PathOfWindow(HWND window, WindowRole role) const;
+  // Forgets `window` wherever a record names it as its badge or panel: the
+  // window is being destroyed.
+  void ForgetWindow(HWND window);
+
   // Erases the record; an unknown path is logged. 1, or 0 on an exception.
   int RemoveFile(const std::wstring& path);
   // A closing document in one step: marks it no longer open and shown as

@@ -24,6 +24,8 @@ run reg add 'HKCU\Software\Wine\WineDbg' /v ShowCrashDialog /t REG_DWORD /d 0 /f
 appdata="$WINEPREFIX/drive_c/users/${USER:-$(id -un)}/AppData/Roaming"
 [ -d "$appdata" ] || appdata="$(ls -d "$WINEPREFIX"/drive_c/users/*/AppData/Roaming | head -1)"
 mkdir -p "$appdata/QelvoFilewell/bin/images" "$appdata/QelvoFilewell/avatar"
+# The overlay images, where the sync app installs them.
+cp "$here/../../assets/images/"*.png "$appdata/QelvoFilewell/bin/images/"
 
 office="$WINEPREFIX/drive_c/Program Files/Microsoft Office/root/Office16"
 mkdir -p "$office"
