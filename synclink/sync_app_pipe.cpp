@@ -104,13 +104,26 @@ std::wstring SyncAppPipe::Exchange(const std::function<std::wstring()>& buildReq
     WriteLog(LogLevel::Error, ErrorText(L"Wait time over, could not open pipe. errcode=", WAIT_TIMEOUT));
     return L"ERROR";
   }
-  // Its connection is still open: closing it frees the sync app's instance.
-  if (turn.abandoned()) Close();
+  if (turn.abandoned()) TakeOverAbandonedExchange();
   const std::wstring answer = Guarded(L"communicating with sync app", std::wstring(L"ERROR"), [&] {
     return ExchangeInTurn(buildRequest(), bounds.stopEvent, deadline);
   });
   if (answer == L"ERROR") Close();  // also after an exception
   return answer;
+}
+
+// The thread of the previous exchange was ended inside it (disconnection's
+// last resort). Its connection is still open, perhaps with a read or write
+// pending into this object's buffers: that is cancelled and given a moment
+// to land before the buffers are used again, and closing the connection
+// frees the sync app's instance.
+void SyncAppPipe::TakeOverAbandonedExchange() {
+  if (pipeHandle_ == nullptr) return;
+  CancelIoEx(pipeHandle_, nullptr);
+  // Bounded: a thread ended between starting a call and its return may
+  // have left the operation marked pending with nothing left to finish it.
+  if (!HasOverlappedIoCompleted(&overlapped_)) WaitForSingleObject(ioEvent_.get(), 100);
+  Close();
 }
 
 std::wstring SyncAppPipe::ExchangeInTurn(const std::wstring& request, HANDLE stopEvent, const Deadline& deadline) {

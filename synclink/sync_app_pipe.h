@@ -52,6 +52,7 @@ class SyncAppPipe {
 
  private:
   class Deadline;
+  void TakeOverAbandonedExchange();
   std::wstring ExchangeInTurn(const std::wstring& request, HANDLE stopEvent, const Deadline& deadline);
   bool Open(HANDLE stopEvent, const Deadline& deadline);
   DWORD WaitForFreeInstance(HANDLE stopEvent, const Deadline& deadline);

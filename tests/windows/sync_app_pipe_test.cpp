@@ -461,3 +461,29 @@ TEST_F(SyncAppPipeTest, GivesUpOnARequestTheSyncAppDoesNotTake) {
   EXPECT_LT(took, 1300u);
   EXPECT_EQ(Logged(), (std::vector<std::string>{"send msg failed. errcode=995"}));
 }
+
+TEST_F(SyncAppPipeTest, TakesOverThePipeFromAnExchangeWhoseThreadWasEndedInsideIt) {
+  const std::wstring record = FreshTempPath(L"syncsim-ended.txt");
+  const std::wstring answer = AnswerOfLength(300);
+  ServeFixedAnswer(answer, L"--delay 1500 --record " + Quoted(record));
+  struct Context {
+    SyncAppPipe* pipe;
+  } context{&pipe_};
+  UniqueHandle ended(CreateThread(
+      nullptr, 0,
+      [](LPVOID parameter) -> DWORD {
+        static_cast<Context*>(parameter)->pipe->Exchange([] { return std::wstring(L"{\"files\":[]}"); },
+                                                         ExchangeBounds{30000});
+        return 0;
+      },
+      &context, 0, nullptr));
+  ASSERT_TRUE(ended);
+  ASSERT_TRUE(WaitUntil([&] { return ReadLines(record).size() == 1; }, 10000));
+  Sleep(200);  // its read is pending now
+  ASSERT_TRUE(TerminateThread(ended.get(), 1));
+  ASSERT_EQ(WaitForSingleObject(ended.get(), 5000), static_cast<DWORD>(WAIT_OBJECT_0));
+
+  EXPECT_TRUE(SameText(pipe_.Exchange(kOneFileRequest), answer));
+  EXPECT_EQ(ReadLines(record), (std::vector<std::string>{"{\"files\":[]}", Narrow(kOneFileRequest)}));
+  EXPECT_TRUE(Logged().empty());
+}
