@@ -268,6 +268,10 @@ HRESULT CConnect::OnDisconnection(int, SAFEARRAY**) {
   connected_ = false;
   Guarded(L"office app tries to disconnect", 0, [&] {
     WriteLog(LogLevel::Info, L"office app disconnects");
+    // Asked to leave first: a thread waiting for a sync app that does not
+    // answer would otherwise keep the pipe from the last request below, and
+    // it leaves while the rest of the disconnection runs.
+    if (EventUpdateThreadHandle) RequestEventUpdateThreadStop();
     TheFileStatusCache().RemoveAll(DestroyRecordOverlays);
     DisconnectFromHost();
     ShutdownUiToolkit();
@@ -308,7 +312,7 @@ void CConnect::StopRunningParts() {
   }
 
   if (EventUpdateThreadHandle) {
-    if (!StopEventUpdateThread(EventUpdateThreadHandle.get())) {
+    if (!AwaitEventUpdateThreadEnd(EventUpdateThreadHandle.get())) {
       LogLastError(L"couldn't stop ms office event update thread");
     } else {
       WriteLog(LogLevel::Info, L"stopped event update thread");

@@ -7,8 +7,16 @@ HANDLE CacheMutex() {
 
 // Both sides ignore the wait's outcome and release afterwards, as the
 // cache's design expects; a release of a mutex not owned simply fails.
-UpdateThreadCacheLock::UpdateThreadCacheLock() {
-  if (HANDLE mutex = CacheMutex()) WaitForSingleObject(mutex, 5000);
+UpdateThreadCacheLock::UpdateThreadCacheLock(HANDLE stopEvent) {
+  HANDLE mutex = CacheMutex();
+  if (mutex == nullptr) return;
+  if (stopEvent == nullptr) {
+    WaitForSingleObject(mutex, 5000);
+    return;
+  }
+  // The stop event first: when both are signalled the lock is not taken.
+  const HANDLE waits[] = {stopEvent, mutex};
+  WaitForMultipleObjects(2, waits, FALSE, 5000);
 }
 UpdateThreadCacheLock::~UpdateThreadCacheLock() {
   if (HANDLE mutex = CacheMutex()) ReleaseMutex(mutex);

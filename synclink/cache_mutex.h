@@ -7,10 +7,11 @@
 HANDLE CacheMutex();
 
 // The update thread around building its request: up to 5 s, then on
-// regardless.
+// regardless. A stop event, when given, cuts the wait short: the thread is
+// leaving and its request will not be sent.
 class UpdateThreadCacheLock {
  public:
-  UpdateThreadCacheLock();
+  explicit UpdateThreadCacheLock(HANDLE stopEvent = nullptr);
   ~UpdateThreadCacheLock();
   UpdateThreadCacheLock(const UpdateThreadCacheLock&) = delete;
   UpdateThreadCacheLock& operator=(const UpdateThreadCacheLock&) = delete;

@@ -1,5 +1,7 @@
 #include "synclink/event_update_thread.h"
 
+#include <atomic>
+
 #include "synclink/immediate_update_event.h"
 #include "log/exception_barrier.h"
 #include "common/unique_resource.h"
@@ -8,9 +10,12 @@
 
 namespace {
 constexpr DWORD kUpdatePeriodMs = 4000;
-// How long disconnection waits for the thread to leave on its own before
-// ending it; an exchange with a healthy sync app takes a few milliseconds.
-constexpr DWORD kStopGraceMs = 250;
+// How long disconnection waits for the thread to leave once asked. Every
+// wait of the thread watches the stop event, so it leaves within a few
+// milliseconds; the bound is for the unforeseen, where Office must not hang.
+constexpr DWORD kStopWaitMs = 1000;
+
+std::atomic<int> g_terminations{0};
 
 // Private to this process: unlike the shared immediate-update event,
 // signalling it wakes only our own thread.
@@ -24,7 +29,7 @@ DWORD WINAPI EventUpdateThreadProc(LPVOID) {
   WriteLog(LogLevel::Info, L"event update thread starts");
   for (;;) {
     WriteLog(LogLevel::Debug, L"event update thread running");
-    GuardedVoid(L"updating cache data", [] { RunUpdateCycle(); });
+    GuardedVoid(L"updating cache data", [] { RunUpdateCycle(ExchangeBounds{kUpdateExchangeLimitMs, StopEvent()}); });
     const HANDLE immediate = ImmediateUpdateEvent.get();
     HANDLE waits[] = {StopEvent(), immediate};
     const DWORD woken = WaitForMultipleObjects(immediate ? 2 : 1, waits, FALSE, kUpdatePeriodMs);
@@ -35,12 +40,25 @@ DWORD WINAPI EventUpdateThreadProc(LPVOID) {
   }
 }
 
-bool StopEventUpdateThread(HANDLE thread) {
-  SetEvent(StopEvent());
-  bool stopped = WaitForSingleObject(thread, kStopGraceMs) == WAIT_OBJECT_0;
-  if (!stopped) stopped = TerminateThread(thread, 0) != FALSE;
+void RequestEventUpdateThreadStop() { SetEvent(StopEvent()); }
+
+bool AwaitEventUpdateThreadEnd(HANDLE thread) {
+  bool ended = WaitForSingleObject(thread, kStopWaitMs) == WAIT_OBJECT_0;
+  if (!ended) {
+    // Stuck where no wait of ours is: ending it may leave a lock it held
+    // behind, which is still better than Office waiting for it.
+    ++g_terminations;
+    ended = TerminateThread(thread, 0) != FALSE;
+  }
   const DWORD error = GetLastError();
   ResetEvent(StopEvent());  // ready for the next connection's thread
   SetLastError(error);
-  return stopped;
+  return ended;
 }
+
+bool StopEventUpdateThread(HANDLE thread) {
+  RequestEventUpdateThreadStop();
+  return AwaitEventUpdateThreadEnd(thread);
+}
+
+int EventUpdateThreadTerminations() { return g_terminations.load(); }

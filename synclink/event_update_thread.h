@@ -5,8 +5,18 @@
 // argument: the event, the cache and the pipe client are process-wide.
 DWORD WINAPI EventUpdateThreadProc(LPVOID unused);
 
-// Ends the thread at disconnection: it is asked to stop and given a moment
-// to leave between two cycles; a thread stuck in an exchange is terminated
-// rather than keeping Office waiting. False (with the last error set) when
-// the thread could not be ended.
+// Disconnection in two steps, so the thread can leave while the rest of
+// the disconnection runs. First it is asked to stop: whatever it waits for
+// (its period, its turn at the pipe, a busy pipe, the sync app's answer)
+// ends at once, its pending I/O cancelled, and it returns.
+void RequestEventUpdateThreadStop();
+// Then it is waited for, a bounded while; only a thread that has not left
+// by then is terminated, as a last resort. False (with the last error set)
+// when the thread could not be ended. Leaves the stop request withdrawn for
+// the next connection's thread.
+bool AwaitEventUpdateThreadEnd(HANDLE thread);
+// Both steps at once, for an ending with nothing to do in between.
 bool StopEventUpdateThread(HANDLE thread);
+
+// How many times a thread had to be terminated in this process (tests).
+int EventUpdateThreadTerminations();

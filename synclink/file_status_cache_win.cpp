@@ -16,8 +16,9 @@ int FileStatusCache::RemoveAll(WindowDestroyer destroyWindows) {
       WriteLog(LogLevel::Info, L"file info removed from cache - " + path);
     }
     // The sync app learns of every file one last time; its answer no
-    // longer matters.
-    TheSyncAppPipe().Exchange(BuildRequest(L"", 0));
+    // longer matters. Built in the exchange's turn, so it comes after
+    // whatever the update thread built before it.
+    TheSyncAppPipe().Exchange([this] { return BuildRequest(L"", 0); }, kUiExchangeBounds);
     std::map<std::wstring, FileStatusRecord> erased;  // documents released outside the lock
     {
       std::lock_guard<RecordLock> lock(lock_);

@@ -1,5 +1,6 @@
 #include "synclink/sync_app_pipe.h"
 
+#include <algorithm>
 #include <atomic>
 
 #include "log/exception_barrier.h"
@@ -8,7 +9,9 @@
 namespace {
 std::atomic<int> g_userNameQueries{0};
 
-std::wstring ErrorText(const wchar_t* what) { return what + std::to_wstring(GetLastError()); }
+std::wstring ErrorText(const wchar_t* what, DWORD error) { return what + std::to_wstring(error); }
+
+bool IsSignalled(HANDLE event) { return event != nullptr && WaitForSingleObject(event, 0) == WAIT_OBJECT_0; }
 }  // namespace
 
 const std::wstring& WindowsUserName() {
@@ -28,66 +31,141 @@ SyncAppPipe& TheSyncAppPipe() {
   return *pipe;
 }
 
+// The moment an exchange must be over by, fixed when it is asked for.
+class SyncAppPipe::Deadline {
+ public:
+  explicit Deadline(DWORD limitMs) : end_(GetTickCount64() + limitMs) {}
+  DWORD Left() const {
+    const ULONGLONG now = GetTickCount64();
+    return now >= end_ ? 0 : static_cast<DWORD>(end_ - now);
+  }
+
+ private:
+  ULONGLONG end_;
+};
+
 namespace {
-// Owns the exchange lock for one exchange.
+// Owns the exchange lock for one exchange, if it came in time.
 class ExchangeTurn {
  public:
-  explicit ExchangeTurn(HANDLE lock) : lock_(lock), wait_(lock ? WaitForSingleObject(lock, INFINITE) : WAIT_FAILED) {}
+  ExchangeTurn(HANDLE lock, HANDLE stopEvent, DWORD timeoutMs) : lock_(lock) {
+    if (lock_ == nullptr) {
+      state_ = State::Unguarded;
+      return;
+    }
+    // The stop event first: when both are signalled, a thread asked to
+    // stop does not start another exchange.
+    HANDLE waits[2];
+    DWORD count = 0;
+    if (stopEvent != nullptr) waits[count++] = stopEvent;
+    const DWORD lockIndex = count;
+    waits[count++] = lock_;
+    const DWORD woken = WaitForMultipleObjects(count, waits, FALSE, timeoutMs);
+    if (woken == WAIT_OBJECT_0 + lockIndex) {
+      state_ = State::Owned;
+    } else if (woken == WAIT_ABANDONED_0 + lockIndex) {
+      state_ = State::Abandoned;
+    } else if (woken == WAIT_TIMEOUT) {
+      state_ = State::TimedOut;
+    } else if (stopEvent != nullptr && woken == WAIT_OBJECT_0) {
+      state_ = State::Stopped;
+    } else {
+      state_ = State::Unguarded;  // the wait itself failed: go on as without a lock
+    }
+  }
   ~ExchangeTurn() {
-    if (owned()) ReleaseMutex(lock_);
+    if (state_ == State::Owned || state_ == State::Abandoned) ReleaseMutex(lock_);
   }
   ExchangeTurn(const ExchangeTurn&) = delete;
   ExchangeTurn& operator=(const ExchangeTurn&) = delete;
+
+  bool timedOut() const { return state_ == State::TimedOut; }
+  bool stopped() const { return state_ == State::Stopped; }
   // The thread of the previous exchange was ended inside it.
-  bool abandoned() const { return wait_ == WAIT_ABANDONED; }
+  bool abandoned() const { return state_ == State::Abandoned; }
 
  private:
-  bool owned() const { return wait_ == WAIT_OBJECT_0 || wait_ == WAIT_ABANDONED; }
+  enum class State { Owned, Abandoned, TimedOut, Stopped, Unguarded };
   HANDLE lock_;
-  DWORD wait_;
+  State state_ = State::Unguarded;
 };
 }  // namespace
 
 std::wstring SyncAppPipe::Exchange(const std::wstring& request) {
-  const ExchangeTurn turn(exchangeLock_.get());
-  // Its connection is still open: closing it frees the sync app's instance.
-  if (turn.abandoned()) Close();
-  const std::wstring answer =
-      Guarded(L"communicating with sync app", std::wstring(L"ERROR"), [&] { return ExchangeLocked(request); });
+  return Exchange([&] { return request; }, kUiExchangeBounds);
+}
+
+std::wstring SyncAppPipe::Exchange(const std::function<std::wstring()>& buildRequest, const ExchangeBounds& bounds) {
+  const Deadline deadline(bounds.limitMs);
+  const ExchangeTurn turn(exchangeLock_.get(), bounds.stopEvent, deadline.Left());
+  if (turn.stopped()) return L"ERROR";
+  if (turn.timedOut()) {
+    // Another exchange kept the pipe all this time; nothing was tried on it.
+    WriteLog(LogLevel::Error, ErrorText(L"Wait time over, could not open pipe. errcode=", WAIT_TIMEOUT));
+    return L"ERROR";
+  }
+  if (turn.abandoned()) TakeOverAbandonedExchange();
+  const std::wstring answer = Guarded(L"communicating with sync app", std::wstring(L"ERROR"), [&] {
+    return ExchangeInTurn(buildRequest(), bounds.stopEvent, deadline);
+  });
   if (answer == L"ERROR") Close();  // also after an exception
   return answer;
 }
 
-std::wstring SyncAppPipe::ExchangeLocked(const std::wstring& request) {
+// The thread of the previous exchange was ended inside it (disconnection's
+// last resort). Its connection is still open, perhaps with a read or write
+// pending into this object's buffers: that is cancelled and given a moment
+// to land before the buffers are used again, and closing the connection
+// frees the sync app's instance.
+void SyncAppPipe::TakeOverAbandonedExchange() {
+  if (pipeHandle_ == nullptr) return;
+  CancelIoEx(pipeHandle_, nullptr);
+  // Bounded: a thread ended between starting a call and its return may
+  // have left the operation marked pending with nothing left to finish it.
+  if (!HasOverlappedIoCompleted(&overlapped_)) WaitForSingleObject(ioEvent_.get(), 100);
+  Close();
+}
+
+std::wstring SyncAppPipe::ExchangeInTurn(const std::wstring& request, HANDLE stopEvent, const Deadline& deadline) {
+  // Kept by the object while a write may be pending on it.
+  requestText_ = request;
   WriteLog(LogLevel::Debug, L"ipc: " + pipeName_);
   if (pipeName_.empty()) {
     const std::wstring& userName = WindowsUserName();
     WriteLog(LogLevel::Debug, L"username: " + userName);
     pipeName_ = L"\\\\.\\pipe\\FilewellSync-MSOfficeIntegration-" + userName;
   }
-  if (!Open()) return L"ERROR";
+  // Asked to stop while the request was built: the sync app need not hear
+  // from a thread that is leaving.
+  if (IsSignalled(stopEvent)) return L"ERROR";
+  if (!Open(stopEvent, deadline)) return L"ERROR";
   WriteLog(LogLevel::Debug, L"pipe connected");
 
   lastResult_ = SetNamedPipeHandleState(pipeHandle_, &readMode_, nullptr, nullptr);
   if (!lastResult_) {
-    WriteLog(LogLevel::Error, ErrorText(L"setting msg-read mode failed. errcode="));
+    WriteLog(LogLevel::Error, ErrorText(L"setting msg-read mode failed. errcode=", GetLastError()));
     return L"ERROR";
   }
   WriteLog(LogLevel::Debug, L"set msg-read mode");
 
   // The request's units and its terminating NUL.
-  bytesToWrite_ = static_cast<DWORD>((lstrlenW(request.c_str()) + 1) * sizeof(wchar_t));
+  bytesToWrite_ = static_cast<DWORD>((lstrlenW(requestText_.c_str()) + 1) * sizeof(wchar_t));
   WriteLog(LogLevel::Debug, L"sending msg" + std::to_wstring(bytesToWrite_));
-  lastResult_ = WriteFile(pipeHandle_, request.c_str(), bytesToWrite_, &bytesWritten_, nullptr);
+  overlapped_ = OVERLAPPED{};
+  overlapped_.hEvent = ioEvent_.get();
+  const BOOL started = WriteFile(pipeHandle_, requestText_.c_str(), bytesToWrite_, nullptr, &overlapped_);
+  const DWORD writeError = Finish(started, bytesWritten_, stopEvent, deadline);
+  lastResult_ = writeError == ERROR_SUCCESS;
   if (!lastResult_) {
-    WriteLog(LogLevel::Error, ErrorText(L"send msg failed. errcode="));
+    WriteLog(LogLevel::Error, ErrorText(L"send msg failed. errcode=", writeError));
     return L"ERROR";
   }
   WriteLog(LogLevel::Debug, L"sent msg" + std::to_wstring(bytesWritten_));
 
   std::wstring answer;
-  if (!ReadAnswer(answer)) {
-    WriteLog(LogLevel::Error, ErrorText(L"read msg failed. errcode="));
+  const DWORD readError = ReadAnswer(answer, stopEvent, deadline);
+  if (readError != ERROR_SUCCESS) {
+    WriteLog(LogLevel::Error, ErrorText(L"read msg failed. errcode=", readError));
     return L"ERROR";
   }
   WriteLog(LogLevel::Debug, L"read msg completely = " + answer);
@@ -95,31 +173,79 @@ std::wstring SyncAppPipe::ExchangeLocked(const std::wstring& request) {
   return answer;
 }
 
-bool SyncAppPipe::Open() {
+bool SyncAppPipe::Open(HANDLE stopEvent, const Deadline& deadline) {
   for (;;) {
     WriteLog(LogLevel::Debug, L"Tring to open pipe: " + pipeName_);
-    pipeHandle_ = CreateFileW(pipeName_.c_str(), GENERIC_READ | GENERIC_WRITE, 0, nullptr, OPEN_EXISTING, 0, nullptr);
+    // Overlapped, so that a write or read can be given up on: a plain
+    // ReadFile waits for as long as the sync app keeps the connection open.
+    pipeHandle_ = CreateFileW(pipeName_.c_str(), GENERIC_READ | GENERIC_WRITE, 0, nullptr, OPEN_EXISTING,
+                              FILE_FLAG_OVERLAPPED, nullptr);
     if (pipeHandle_ != INVALID_HANDLE_VALUE) return true;
     pipeHandle_ = nullptr;
     if (GetLastError() != ERROR_PIPE_BUSY) {
-      WriteLog(LogLevel::Error, ErrorText(L"Could not open pipe. errcode="));
+      WriteLog(LogLevel::Error, ErrorText(L"Could not open pipe. errcode=", GetLastError()));
       return false;
     }
     // Every instance is busy: wait for one to be free, as long as the sync
-    // app keeps freeing one within five seconds.
-    if (!WaitNamedPipeW(pipeName_.c_str(), 5000)) {
-      WriteLog(LogLevel::Error, ErrorText(L"Wait time over, could not open pipe. errcode="));
+    // app keeps freeing one within five seconds and the exchange has time.
+    const DWORD error = WaitForFreeInstance(stopEvent, deadline);
+    if (error != ERROR_SUCCESS) {
+      WriteLog(LogLevel::Error, ErrorText(L"Wait time over, could not open pipe. errcode=", error));
       return false;
     }
   }
 }
 
-bool SyncAppPipe::ReadAnswer(std::wstring& answer) {
+// One wait of up to five seconds (less when the exchange has less time
+// left) for a free instance: 0 when one is free, else WaitNamedPipeW's
+// error, or ERROR_OPERATION_ABORTED when the stop event cut the wait short.
+DWORD SyncAppPipe::WaitForFreeInstance(HANDLE stopEvent, const Deadline& deadline) {
+  // Never 0: to WaitNamedPipeW that means the server's default time-out.
+  const DWORD budget = std::max<DWORD>(1, std::min<DWORD>(5000, deadline.Left()));
+  if (stopEvent == nullptr) return WaitNamedPipeW(pipeName_.c_str(), budget) ? ERROR_SUCCESS : GetLastError();
+  const ULONGLONG end = GetTickCount64() + budget;
+  for (;;) {
+    if (IsSignalled(stopEvent)) return ERROR_OPERATION_ABORTED;
+    const ULONGLONG now = GetTickCount64();
+    const DWORD left = now >= end ? 1 : static_cast<DWORD>(end - now);
+    if (WaitNamedPipeW(pipeName_.c_str(), std::min(kBusyWaitSliceMs, left))) return ERROR_SUCCESS;
+    const DWORD error = GetLastError();
+    if (error != ERROR_SEM_TIMEOUT || GetTickCount64() >= end) return error;
+  }
+}
+
+// Sees through the overlapped write or read that `started` (the call's
+// result) began: waits for it until the deadline or the stop event, and
+// then cancels it. The bytes moved; 0 when it completed, else its error:
+// ERROR_MORE_DATA when a message goes on beyond the buffer,
+// ERROR_OPERATION_ABORTED when it was cancelled.
+DWORD SyncAppPipe::Finish(BOOL started, DWORD& bytes, HANDLE stopEvent, const Deadline& deadline) {
+  bytes = 0;
+  if (!started) {
+    const DWORD error = GetLastError();
+    if (error == ERROR_IO_PENDING) {
+      const HANDLE waits[] = {overlapped_.hEvent, stopEvent};
+      const DWORD woken = WaitForMultipleObjects(stopEvent != nullptr ? 2 : 1, waits, FALSE, deadline.Left());
+      if (woken != WAIT_OBJECT_0) CancelIoEx(pipeHandle_, &overlapped_);
+      // Waits for the cancellation to land, or takes what came just before it.
+      return GetOverlappedResult(pipeHandle_, &overlapped_, &bytes, TRUE) ? ERROR_SUCCESS : GetLastError();
+    }
+    // Done at once with part of a message: the bytes are in the buffer.
+    if (error != ERROR_MORE_DATA) return error;
+  }
+  return GetOverlappedResult(pipeHandle_, &overlapped_, &bytes, FALSE) ? ERROR_SUCCESS : GetLastError();
+}
+
+DWORD SyncAppPipe::ReadAnswer(std::wstring& answer, HANDLE stopEvent, const Deadline& deadline) {
   WriteLog(LogLevel::Debug, L"reading msg");
   bool firstChunk = true;
   for (;;) {
-    lastResult_ = ReadFile(pipeHandle_, readBuffer_, kChunkBytes, &bytesRead_, nullptr);
-    if (!lastResult_ && GetLastError() != ERROR_MORE_DATA) return false;
+    overlapped_ = OVERLAPPED{};
+    overlapped_.hEvent = ioEvent_.get();
+    const BOOL started = ReadFile(pipeHandle_, readBuffer_, kChunkBytes, nullptr, &overlapped_);
+    const DWORD error = Finish(started, bytesRead_, stopEvent, deadline);
+    lastResult_ = error == ERROR_SUCCESS;
+    if (!lastResult_ && error != ERROR_MORE_DATA) return error;
     WriteLog(LogLevel::Debug, L"read msg" + std::to_wstring(bytesRead_));
     const wchar_t* text = readBuffer_;
     if (firstChunk) {
@@ -130,7 +256,7 @@ bool SyncAppPipe::ReadAnswer(std::wstring& answer) {
     }
     answer += text;  // up to the first NUL; the spare unit ends a full chunk
     ZeroMemory(readBuffer_, sizeof(readBuffer_));
-    if (lastResult_) return true;
+    if (lastResult_) return ERROR_SUCCESS;
   }
 }
 
@@ -139,7 +265,7 @@ void SyncAppPipe::Close() {
   if (CloseHandle(pipeHandle_)) {
     WriteLog(LogLevel::Debug, L"closed pipe");
   } else {
-    WriteLog(LogLevel::Error, ErrorText(L"close pipe failed. errcode="));
+    WriteLog(LogLevel::Error, ErrorText(L"close pipe failed. errcode=", GetLastError()));
   }
   pipeHandle_ = nullptr;
 }

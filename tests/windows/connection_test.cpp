@@ -8,6 +8,7 @@
 #include "common/com_ptr.h"
 #include "common/unique_resource.h"
 #include "tests/caller.h"
+#include "tests/windows/sync_sim_process.h"
 #include "tests/windows/wine_test_support.h"
 
 namespace {
@@ -114,6 +115,37 @@ TEST_F(Connection, GoesOnWithoutTheImmediateUpdateEvent) {
                                      "win GDI+ initialized", "custom ui update timer added",
                                      "stopped event update thread"}));
   EXPECT_EQ(MessagesOfThread(lines, "EvntUpdate").at(0), "event update thread starts");
+}
+
+TEST_F(Connection, DisconnectionEndsWithinItsBoundWhileTheSyncAppNeverAnswers) {
+  const std::wstring requests = FreshTempPath(L"connection-unanswered-requests.txt");
+  SyncSimProcess syncApp;
+  ASSERT_TRUE(syncApp.Start(L"--never-answer --record " + Quoted(requests)));
+  // Word runs long enough for the update thread's first request to be
+  // waiting for its answer when Word exits.
+  const std::wstring script = FreshTempPath(L"connection-unanswered-script.txt");
+  WriteUtf8File(script, L"wait 1500\n");
+  const ProcessResult run = RunHost(L"WINWORD.EXE", L"--script " + Quoted(script));
+  syncApp.Stop();
+  ASSERT_EQ(run.exitCode, 0u) << run.output;
+
+  std::smatch took;
+  ASSERT_TRUE(std::regex_search(run.output, took, std::regex("OnDisconnection returned 0x00000000 in ([0-9.]+) ms")))
+      << run.output;
+  std::printf("OnDisconnection took %s ms\n", took[1].str().c_str());
+  EXPECT_LT(std::stod(took[1].str()), 5500.0) << run.output;
+  const auto lines = ReadLog(LogFilePath());
+  // Asked to stop, the thread gives up its exchange at once and the last
+  // request gets the pipe; that one waits its five seconds for the answer.
+  EXPECT_EQ(MessagesOfThread(lines, "EvntUpdate"),
+            (std::vector<std::string>{"event update thread starts", "read msg failed. errcode=995"}));
+  const auto main = MessagesOfThread(lines, "MainThread");
+  EXPECT_TRUE(ContainsInOrder(main, {"office app disconnects", "read msg failed. errcode=995",
+                                     "all file info removed from cache", "win GDI+ uninitialized", "VEH removed",
+                                     "stopped event update thread", "custom ui update timer removed",
+                                     "office app disconnected"}));
+  for (const std::string& message : main) EXPECT_EQ(message.rfind("couldn't stop", 0), std::string::npos) << message;
+  EXPECT_EQ(ReadLines(requests), (std::vector<std::string>{"{\"files\":[]}", "{\"files\":[]}"}));
 }
 
 // What the heap may still commit for its own bookkeeping: four pages.

@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include <functional>
+#include <thread>
 
 #include "synclink/immediate_update_event.h"
 #include "common/office_app.h"
@@ -14,6 +15,7 @@
 #include "synclink/event_update_thread.h"
 #include "synclink/file_status_cache.h"
 #include "synclink/sync_app_pipe.h"
+#include "synclink/update_cycle.h"
 #include "tests/caller.h"
 #include "tests/windows/sync_sim_process.h"
 #include "tests/windows/wine_test_support.h"
@@ -245,6 +247,95 @@ TEST_F(EventUpdateThread, LeavesThePipeToTheNextExchangeWhenEndedInsideOne) {
   ASSERT_EQ(requests.size(), 2u);
   EXPECT_EQ(requests[1], "{\"files\":[]}");
   syncApp.Stop();
+}
+
+TEST_F(EventUpdateThread, LeavesAtOnceWhenAskedToStopWhileTheSyncAppNeverAnswers) {
+  const std::wstring requestsFile = FreshTempPath(L"thread-unanswered-requests.txt");
+  SyncSimProcess syncApp;
+  ASSERT_TRUE(syncApp.Start(L"--never-answer --record " + Quoted(requestsFile)));
+  StartThread();
+  ASSERT_TRUE(WaitUntil([&] { return ReadLines(requestsFile).size() >= 1; }, 10000));
+  Sleep(200);  // well inside the wait for the answer
+  const int terminationsBefore = EventUpdateThreadTerminations();
+  const ULONGLONG start = GetTickCount64();
+
+  RequestEventUpdateThreadStop();
+  const DWORD ended = WaitForSingleObject(thread_.get(), 5000);
+
+  const ULONGLONG took = GetTickCount64() - start;
+  EXPECT_EQ(ended, static_cast<DWORD>(WAIT_OBJECT_0));
+  EXPECT_LT(took, 500u);
+  EXPECT_TRUE(AwaitEventUpdateThreadEnd(thread_.get()));
+  EXPECT_EQ(EventUpdateThreadTerminations(), terminationsBefore);
+  thread_.reset();
+  EXPECT_EQ(ReadLines(requestsFile).size(), 1u);
+  EXPECT_EQ(MessagesOfThread(ReadLog(LogFilePath()), "EvntUpdate"),
+            (std::vector<std::string>{"event update thread starts", "read msg failed. errcode=995"}));
+}
+
+TEST_F(EventUpdateThread, LeavesAtOnceWhenAskedToStopWhileItWaitsForTheCacheLock) {
+  ASSERT_EQ(WaitForSingleObject(CacheMutex(), 0), WAIT_OBJECT_0);
+  StartThread();
+  Sleep(500);
+  const int terminationsBefore = EventUpdateThreadTerminations();
+  const ULONGLONG start = GetTickCount64();
+
+  RequestEventUpdateThreadStop();
+  const DWORD ended = WaitForSingleObject(thread_.get(), 5000);
+
+  const ULONGLONG took = GetTickCount64() - start;
+  ReleaseMutex(CacheMutex());
+  EXPECT_EQ(ended, static_cast<DWORD>(WAIT_OBJECT_0));
+  EXPECT_LT(took, 500u);
+  EXPECT_TRUE(AwaitEventUpdateThreadEnd(thread_.get()));
+  EXPECT_EQ(EventUpdateThreadTerminations(), terminationsBefore);
+  thread_.reset();
+  // It left without trying the pipe.
+  EXPECT_EQ(Cycles(), 0u);
+}
+
+TEST_F(EventUpdateThread, WaitsThirtySecondsForAnAnswer) { EXPECT_EQ(kUpdateExchangeLimitMs, 30000u); }
+
+TEST_F(EventUpdateThread, ACycleGivesUpOnAnAnswerThatDoesNotComeWithinItsLimitAndChangesNoRecord) {
+  // The thread's own cycle with a limit short enough for a test.
+  FileStatusCache& cache = TheFileStatusCache();
+  ASSERT_EQ(cache.AddFile(kPath, nullptr, 0, nullptr), 1);
+  cache.Change(kPath, [&](FileStatusRecord& r) { r.sync.is_sync_file = 1; });
+  cache.Change(kPath, [&](FileStatusRecord& r) { r.overlayUpToDate = 1; });
+  SyncSimProcess syncApp;
+  ASSERT_TRUE(syncApp.Start(L"--never-answer"));
+  const ULONGLONG start = GetTickCount64();
+
+  RunUpdateCycle(ExchangeBounds{300});
+
+  const ULONGLONG took = GetTickCount64() - start;
+  EXPECT_GE(took, 290u);
+  EXPECT_LT(took, 1300u);
+  EXPECT_FALSE(cache.syncAppHasData);
+  EXPECT_EQ(cache.Find(kPath)->sync.is_sync_file, 1u);
+  EXPECT_EQ(cache.Find(kPath)->overlayUpToDate, 1u);
+  EXPECT_TRUE(ContainsInOrder(LogMessages(LogFilePath()), {"read msg failed. errcode=995"}));
+}
+
+TEST_F(EventUpdateThread, BuildsItsRequestOnlyWhenItsTurnAtThePipeHasCome) {
+  FileStatusCache& cache = TheFileStatusCache();
+  ASSERT_EQ(cache.AddFile(kPath, nullptr, 0, nullptr), 1);
+  const std::wstring requestsFile = FreshTempPath(L"thread-order-requests.txt");
+  SyncSimProcess syncApp;
+  ASSERT_TRUE(syncApp.Start(L"--delay 1500 --record " + Quoted(requestsFile)));
+  // An exchange of the UI thread holds the pipe while the sync app is slow.
+  std::thread ui([] { TheSyncAppPipe().Exchange(L"{\"files\":[]}"); });
+  ASSERT_TRUE(WaitUntil([&] { return ReadLines(requestsFile).size() >= 1; }, 10000));
+  StartThread();
+  Sleep(300);  // its first cycle now waits for the pipe
+  // Meanwhile the document closes.
+  cache.RemoveFile(kPath);
+  ui.join();
+  ASSERT_TRUE(WaitUntil([&] { return ReadLines(requestsFile).size() >= 2; }, 10000));
+  StopThread();
+  syncApp.Stop();
+  // Its request tells the state as it was when it went out: no open file.
+  EXPECT_EQ(ReadLines(requestsFile), (std::vector<std::string>{"{\"files\":[]}", "{\"files\":[]}"}));
 }
 
 TEST(CacheLock, IsTheNamedMutexSharedByEveryOfficeProcess) {

@@ -3,8 +3,12 @@
 // app can fail is logged and answered with "ERROR".
 #include <gtest/gtest.h>
 
+#include <functional>
+#include <thread>
+
 #include "common/office_app.h"
 #include "common/text.h"
+#include "common/unique_resource.h"
 #include "log/log_folder.h"
 #include "synclink/answer_parser.h"
 #include "synclink/file_status_cache.h"
@@ -244,4 +248,242 @@ TEST_F(SyncAppPipeTest, UsesTheSamePipeAgainAfterAFailure) {
   const std::wstring answer = AnswerOfLength(50);
   ServeFixedAnswer(answer);
   EXPECT_TRUE(SameText(pipe_.Exchange(kOneFileRequest), answer));
+}
+
+namespace {
+// Milliseconds since `start`.
+ULONGLONG Since(ULONGLONG start) { return GetTickCount64() - start; }
+
+// Polls until the condition holds or the time is up; true when it held.
+bool WaitUntil(const std::function<bool()>& condition, DWORD timeoutMs) {
+  const ULONGLONG end = GetTickCount64() + timeoutMs;
+  for (;;) {
+    if (condition()) return true;
+    if (GetTickCount64() >= end) return false;
+    Sleep(10);
+  }
+}
+
+// Signals the event after a while, from another thread.
+class DelayedSignal {
+ public:
+  DelayedSignal(HANDLE event, DWORD afterMs) : thread_([event, afterMs] {
+    Sleep(afterMs);
+    SetEvent(event);
+  }) {}
+  ~DelayedSignal() { thread_.join(); }
+
+ private:
+  std::thread thread_;
+};
+
+// One instance of the user's pipe whose server end never reads: a request
+// larger than the pipe's buffer cannot be written whole.
+class ServerThatNeverReads {
+ public:
+  ServerThatNeverReads()
+      : instance_(CreateNamedPipeW((L"\\\\.\\pipe\\FilewellSync-MSOfficeIntegration-" + LogonName()).c_str(),
+                                   PIPE_ACCESS_DUPLEX, PIPE_TYPE_MESSAGE | PIPE_READMODE_MESSAGE | PIPE_WAIT, 1, 4096,
+                                   4096, 0, nullptr)) {}
+  bool serving() const { return static_cast<bool>(instance_); }
+
+ private:
+  UniqueFileHandle instance_;
+};
+}  // namespace
+
+TEST_F(SyncAppPipeTest, GivesUpOnAnAnswerThatDoesNotComeWithinItsLimit) {
+  const std::wstring record = FreshTempPath(L"syncsim-unanswered.txt");
+  ServeScenario(L"", L"--never-answer --record " + Quoted(record));
+  const ULONGLONG start = GetTickCount64();
+
+  const std::wstring answer = pipe_.Exchange([] { return kOneFileRequest; }, ExchangeBounds{300});
+
+  const ULONGLONG took = Since(start);
+  EXPECT_EQ(Narrow(answer), "ERROR");
+  EXPECT_GE(took, 290u);
+  EXPECT_LT(took, 1300u);
+  EXPECT_EQ(Logged(), (std::vector<std::string>{"read msg failed. errcode=995"}));
+  EXPECT_EQ(ReadLines(record), std::vector<std::string>{Narrow(kOneFileRequest)});
+}
+
+TEST_F(SyncAppPipeTest, KeepsOfficeWaitingAtMostFiveSecondsForAnAnswerThatNeverComes) {
+  ServeScenario(L"", L"--never-answer");
+  const ULONGLONG start = GetTickCount64();
+
+  const std::wstring answer = pipe_.Exchange(kOneFileRequest);
+
+  const ULONGLONG took = Since(start);
+  EXPECT_EQ(Narrow(answer), "ERROR");
+  EXPECT_GE(took, 4900u);
+  EXPECT_LT(took, 5500u);
+  EXPECT_EQ(Logged(), (std::vector<std::string>{"read msg failed. errcode=995"}));
+}
+
+TEST_F(SyncAppPipeTest, EndsAtOnceWhenItsStopEventIsSignalledWhileItWaitsForTheAnswer) {
+  ServeScenario(L"", L"--never-answer");
+  UniqueHandle stop(CreateEventW(nullptr, TRUE, FALSE, nullptr));
+  const ULONGLONG start = GetTickCount64();
+  std::wstring answer;
+  {
+    const DelayedSignal signal(stop.get(), 300);
+    answer = pipe_.Exchange([] { return kOneFileRequest; }, ExchangeBounds{30000, stop.get()});
+  }
+  const ULONGLONG took = Since(start);
+  EXPECT_EQ(Narrow(answer), "ERROR");
+  EXPECT_LT(took, 1300u);
+  EXPECT_EQ(Logged(), (std::vector<std::string>{"read msg failed. errcode=995"}));
+}
+
+TEST_F(SyncAppPipeTest, NeitherBuildsNorSendsARequestOnceItsStopEventIsSignalled) {
+  const std::wstring record = FreshTempPath(L"syncsim-stopped.txt");
+  ServeScenario(L"", L"--record " + Quoted(record));
+  UniqueHandle stop(CreateEventW(nullptr, TRUE, TRUE, nullptr));
+  bool built = false;
+
+  const std::wstring answer = pipe_.Exchange(
+      [&] {
+        built = true;
+        return kOneFileRequest;
+      },
+      ExchangeBounds{30000, stop.get()});
+
+  EXPECT_EQ(Narrow(answer), "ERROR");
+  EXPECT_FALSE(built);
+  EXPECT_TRUE(Logged().empty());
+  syncSim_.Stop();
+  EXPECT_TRUE(ReadLines(record).empty());
+}
+
+TEST_F(SyncAppPipeTest, GivesUpWaitingForItsTurnWithTheWaitTimeoutTryingNothingOnThePipe) {
+  const std::wstring record = FreshTempPath(L"syncsim-turns.txt");
+  ServeScenario(L"", L"--never-answer --record " + Quoted(record));
+  // The update thread's exchange, stuck on the silent sync app.
+  UniqueHandle stopFirst(CreateEventW(nullptr, TRUE, FALSE, nullptr));
+  std::thread first([&] { pipe_.Exchange([] { return std::wstring(L"{\"files\":[]}"); }, {30000, stopFirst.get()}); });
+  ASSERT_TRUE(WaitUntil([&] { return ReadLines(record).size() == 1; }, 10000));
+  bool built = false;
+  const ULONGLONG start = GetTickCount64();
+
+  const std::wstring answer = pipe_.Exchange(
+      [&] {
+        built = true;
+        return kOneFileRequest;
+      },
+      ExchangeBounds{500});
+
+  const ULONGLONG took = Since(start);
+  SetEvent(stopFirst.get());
+  first.join();
+  EXPECT_EQ(Narrow(answer), "ERROR");
+  EXPECT_GE(took, 490u);
+  EXPECT_LT(took, 1500u);
+  EXPECT_FALSE(built);
+  EXPECT_EQ(ReadLines(record), std::vector<std::string>{"{\"files\":[]}"});
+  EXPECT_EQ(Logged(), (std::vector<std::string>{"Wait time over, could not open pipe. errcode=258",
+                                                "read msg failed. errcode=995"}));
+}
+
+TEST_F(SyncAppPipeTest, BuildsTheRequestOnlyOnceItsTurnHasCome) {
+  const std::wstring record = FreshTempPath(L"syncsim-order.txt");
+  ServeScenario(L"", L"--delay 1000 --record " + Quoted(record));
+  const std::wstring firstRequest = L"{\"files\":[]}";
+  const ULONGLONG firstStart = GetTickCount64();
+  std::wstring firstAnswer;
+  std::thread first([&] { firstAnswer = pipe_.Exchange(firstRequest); });
+  ASSERT_TRUE(WaitUntil([&] { return ReadLines(record).size() == 1; }, 10000));
+  ULONGLONG builtAt = 0;
+
+  const std::wstring answer = pipe_.Exchange(
+      [&] {
+        builtAt = GetTickCount64();
+        return kOneFileRequest;
+      },
+      ExchangeBounds{5000});
+
+  first.join();
+  EXPECT_EQ(Narrow(firstAnswer), "{\"resp\":[]}");
+  EXPECT_EQ(Narrow(answer), "{\"resp\":[]}");
+  // The first exchange held the pipe until its answer, a second after its request.
+  EXPECT_GE(builtAt - firstStart, 950u);
+  EXPECT_EQ(ReadLines(record), (std::vector<std::string>{Narrow(firstRequest), Narrow(kOneFileRequest)}));
+}
+
+TEST_F(SyncAppPipeTest, JoinsTheChunksOfALongAnswerThatComesWhileItWaits) {
+  // The first read is pending when the answer arrives and ends with more
+  // data to come.
+  const std::wstring answer = AnswerOfLength(3 * kChunkUnits + 1000);
+  ServeFixedAnswer(answer, L"--delay 500");
+  EXPECT_TRUE(SameText(pipe_.Exchange(kOneFileRequest), answer));
+  EXPECT_TRUE(Logged().empty());
+}
+
+TEST_F(SyncAppPipeTest, GivesUpOnABusyPipeWhenItsOwnLimitComesFirst) {
+  ServeScenario(L"", L"--busy");
+  const ULONGLONG start = GetTickCount64();
+
+  const std::wstring answer = pipe_.Exchange([] { return kOneFileRequest; }, ExchangeBounds{700});
+
+  const ULONGLONG took = Since(start);
+  EXPECT_EQ(Narrow(answer), "ERROR");
+  EXPECT_GE(took, 690u);
+  EXPECT_LT(took, 1700u);
+  EXPECT_EQ(Logged(), (std::vector<std::string>{"Wait time over, could not open pipe. errcode=121"}));
+}
+
+TEST_F(SyncAppPipeTest, StopsWaitingForABusyPipeSoonAfterItsStopEvent) {
+  ServeScenario(L"", L"--busy");
+  UniqueHandle stop(CreateEventW(nullptr, TRUE, FALSE, nullptr));
+  const ULONGLONG start = GetTickCount64();
+  std::wstring answer;
+  {
+    const DelayedSignal signal(stop.get(), 300);
+    answer = pipe_.Exchange([] { return kOneFileRequest; }, ExchangeBounds{30000, stop.get()});
+  }
+  const ULONGLONG took = Since(start);
+  EXPECT_EQ(Narrow(answer), "ERROR");
+  EXPECT_LT(took, 300u + 2 * SyncAppPipe::kBusyWaitSliceMs + 500u);
+  EXPECT_EQ(Logged(), (std::vector<std::string>{"Wait time over, could not open pipe. errcode=995"}));
+}
+
+TEST_F(SyncAppPipeTest, GivesUpOnARequestTheSyncAppDoesNotTake) {
+  const ServerThatNeverReads server;
+  ASSERT_TRUE(server.serving()) << GetLastError();
+  // Far more than the pipe's buffers hold.
+  const std::wstring request = L"{\"files\":[" + std::wstring(200000, L' ') + L"]}";
+  const ULONGLONG start = GetTickCount64();
+
+  const std::wstring answer = pipe_.Exchange([&] { return request; }, ExchangeBounds{300});
+
+  const ULONGLONG took = Since(start);
+  EXPECT_EQ(Narrow(answer), "ERROR");
+  EXPECT_GE(took, 290u);
+  EXPECT_LT(took, 1300u);
+  EXPECT_EQ(Logged(), (std::vector<std::string>{"send msg failed. errcode=995"}));
+}
+
+TEST_F(SyncAppPipeTest, TakesOverThePipeFromAnExchangeWhoseThreadWasEndedInsideIt) {
+  const std::wstring record = FreshTempPath(L"syncsim-ended.txt");
+  const std::wstring answer = AnswerOfLength(300);
+  ServeFixedAnswer(answer, L"--delay 1500 --record " + Quoted(record));
+  struct Context {
+    SyncAppPipe* pipe;
+  } context{&pipe_};
+  UniqueHandle ended(CreateThread(
+      nullptr, 0,
+      [](LPVOID parameter) -> DWORD {
+        static_cast<Context*>(parameter)->pipe->Exchange([] { return std::wstring(L"{\"files\":[]}"); },
+                                                         ExchangeBounds{30000});
+        return 0;
+      },
+      &context, 0, nullptr));
+  ASSERT_TRUE(ended);
+  ASSERT_TRUE(WaitUntil([&] { return ReadLines(record).size() == 1; }, 10000));
+  Sleep(200);  // its read is pending now
+  ASSERT_TRUE(TerminateThread(ended.get(), 1));
+  ASSERT_EQ(WaitForSingleObject(ended.get(), 5000), static_cast<DWORD>(WAIT_OBJECT_0));
+
+  EXPECT_TRUE(SameText(pipe_.Exchange(kOneFileRequest), answer));
+  EXPECT_EQ(ReadLines(record), (std::vector<std::string>{"{\"files\":[]}", Narrow(kOneFileRequest)}));
+  EXPECT_TRUE(Logged().empty());
 }

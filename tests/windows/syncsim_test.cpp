@@ -5,12 +5,19 @@
 #include <thread>
 
 #include "common/text.h"
+#include "common/unique_resource.h"
 #include "synclink/sync_app_pipe.h"
 #include "tests/caller.h"
 #include "tests/windows/sync_sim_process.h"
 #include "tests/windows/wine_test_support.h"
 
 namespace {
+std::wstring UsersPipeName() {
+  wchar_t user[257];
+  DWORD size = 257;
+  return L"\\\\.\\pipe\\FilewellSync-MSOfficeIntegration-" + std::wstring(GetUserNameW(user, &size) ? user : L"");
+}
+
 std::wstring RequestFor(const std::wstring& path, bool retryModify = false, bool uiHide = false) {
   std::wstring request = L"{\"files\":[{\"filepath\":\"" + path +
                          L"\",\"isOpen\":true,\"isEditing\":false,\"resolveConflict\":false,\"retryModify\":";
@@ -116,4 +123,41 @@ TEST_F(SyncSim, RejectsAScenarioLineItDoesNotKnow) {
   const ProcessResult result = RunProcess(Quoted(BinFolder() + L"\\syncsim.exe") + L" --scenario " + Quoted(path));
   EXPECT_EQ(result.exitCode, 2u);
   EXPECT_NE(result.output.find("scenario line 2: unknown directive 'sett'"), std::string::npos) << result.output;
+}
+
+TEST_F(SyncSim, NeverAnswersARequestItHasReadAndRecordedUntilItIsStopped) {
+  const std::wstring record = FreshTempPath(L"syncsim-unanswered.txt");
+  ServeScenario(L"", L"--never-answer --record " + Quoted(record));
+  // A client of its own, so that only syncsim's behaviour is under test.
+  UniqueFileHandle client(CreateFileW(UsersPipeName().c_str(), GENERIC_READ | GENERIC_WRITE, 0, nullptr,
+                                      OPEN_EXISTING, FILE_FLAG_OVERLAPPED, nullptr));
+  ASSERT_TRUE(client) << GetLastError();
+  DWORD mode = PIPE_READMODE_MESSAGE;
+  ASSERT_TRUE(SetNamedPipeHandleState(client.get(), &mode, nullptr, nullptr));
+  UniqueHandle ioEvent(CreateEventW(nullptr, TRUE, FALSE, nullptr));
+  const std::wstring request = RequestFor(L"C:\\r.docx");
+  OVERLAPPED write{};
+  write.hEvent = ioEvent.get();
+  DWORD bytes = 0xdeadbeef;
+  if (!WriteFile(client.get(), request.c_str(), static_cast<DWORD>((request.size() + 1) * 2), nullptr, &write)) {
+    ASSERT_EQ(GetLastError(), static_cast<DWORD>(ERROR_IO_PENDING));
+  }
+  ASSERT_TRUE(GetOverlappedResult(client.get(), &write, &bytes, TRUE));
+
+  wchar_t buffer[256];
+  OVERLAPPED read{};
+  read.hEvent = ioEvent.get();
+  ASSERT_FALSE(ReadFile(client.get(), buffer, sizeof(buffer), nullptr, &read));
+  ASSERT_EQ(GetLastError(), static_cast<DWORD>(ERROR_IO_PENDING));
+  // Two seconds of silence, with the request already in the record.
+  EXPECT_EQ(WaitForSingleObject(ioEvent.get(), 2000), static_cast<DWORD>(WAIT_TIMEOUT));
+  EXPECT_EQ(ReadLines(record), std::vector<std::string>{Narrow(request)});
+
+  // Stopped, it lets the connection go without a word.
+  EXPECT_EQ(syncSim_.Stop(), 0u);
+  ASSERT_EQ(WaitForSingleObject(ioEvent.get(), 5000), static_cast<DWORD>(WAIT_OBJECT_0));
+  bytes = 0xdeadbeef;
+  EXPECT_FALSE(GetOverlappedResult(client.get(), &read, &bytes, FALSE));
+  EXPECT_EQ(GetLastError(), static_cast<DWORD>(ERROR_PIPE_NOT_CONNECTED));
+  EXPECT_EQ(bytes, 0u);
 }

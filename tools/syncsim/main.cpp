@@ -1,7 +1,7 @@
 // syncsim: a stand-in for the Filewell Sync app's side of the Office pipe.
 // It serves "\\.\pipe\FilewellSync-MSOfficeIntegration-<user>" the way the
 // sync app does, answers from a scenario file, records what it was sent,
-// and misbehaves on request (busy, slow, cut answers, garbage) so the
+// and misbehaves on request (busy, slow, cut answers, garbage, silence) so the
 // add-in's client can be tested against each failure. See docs/syncsim.md.
 #include <windows.h>
 

@@ -7,8 +7,8 @@ const char* const kSyncSimUsage =
     "usage: syncsim.exe [--pipe NAME] [--scenario FILE | --answer-file FILE]\n"
     "                   [--record FILE] [--record-raw FILE]\n"
     "                   [--delay MS] [--busy [--busy-ms MS]] [--instances N]\n"
-    "                   [--cut-answer | --hang-up | --garbage] [--byte-mode]\n"
-    "                   [--pad UNITS] [--lead HEX | --no-lead]\n"
+    "                   [--cut-answer | --hang-up | --garbage | --never-answer]\n"
+    "                   [--byte-mode] [--pad UNITS] [--lead HEX | --no-lead]\n"
     "                   [--max-requests N] [--run-ms MS]\n"
     "                   [--ready-event NAME] [--stop-event NAME]\n"
     "see docs/syncsim.md\n";
@@ -79,6 +79,8 @@ bool ParseSyncSimOptions(int argc, wchar_t** argv, SyncSimOptions& options, std:
       options.delivery = AnswerDelivery::HangUpUnanswered;
     } else if (argument == L"--garbage") {
       options.delivery = AnswerDelivery::Garbage;
+    } else if (argument == L"--never-answer") {
+      options.delivery = AnswerDelivery::NeverAnswer;
     } else if (argument == L"--byte-mode") {
       options.byteMode = true;
     } else if (argument == L"--pad") {

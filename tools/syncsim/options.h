@@ -11,6 +11,7 @@ enum class AnswerDelivery {
   CutMidAnswer,     // start writing the message, then disconnect at once
   HangUpUnanswered, // read the request, disconnect without writing anything
   Garbage,          // a message that is no answer at all
+  NeverAnswer,      // read the request, keep the connection open, write nothing
 };
 
 struct SyncSimOptions {

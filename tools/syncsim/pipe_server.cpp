@@ -252,21 +252,47 @@ void PipeServer::Serve(HANDLE pipeHandle) {
   std::printf("syncsim: request %ld: %zu bytes\n", number, bytes.size());
   recorder_.Record(bytes, request);
 
-  std::wstring answer;
-  {
-    std::lock_guard<std::mutex> lock(answerLock_);
-    answer = answer_(request, number);
-  }
-  std::wstring message;
-  if (options_.hasLeadUnit) message += options_.leadUnit;
-  message += options_.delivery == AnswerDelivery::Garbage ? std::wstring(kGarbage) : answer;
+  if (options_.delivery == AnswerDelivery::NeverAnswer) {
+    HoldUnanswered(pipe.get(), ioEvent.get());
+  } else {
+    std::wstring answer;
+    {
+      std::lock_guard<std::mutex> lock(answerLock_);
+      answer = answer_(request, number);
+    }
+    std::wstring message;
+    if (options_.hasLeadUnit) message += options_.leadUnit;
+    message += options_.delivery == AnswerDelivery::Garbage ? std::wstring(kGarbage) : answer;
 
-  DWORD delay = options_.delayMs;
-  if (delay == 0 && options_.delivery == AnswerDelivery::CutMidAnswer) delay = kCutAfterMs;
-  if (delay > 0) Sleep(delay);
-  Deliver(pipe.get(), ioEvent.get(), message);
+    DWORD delay = options_.delayMs;
+    if (delay == 0 && options_.delivery == AnswerDelivery::CutMidAnswer) delay = kCutAfterMs;
+    if (delay > 0) Sleep(delay);
+    Deliver(pipe.get(), ioEvent.get(), message);
+  }
   ++servedCount_;
   SetEvent(wakeEvent_.get());
+}
+
+void PipeServer::HoldUnanswered(HANDLE pipe, HANDLE ioEvent) {
+  // A hung sync app: the connection stays open and silent until syncsim
+  // stops. Only the client giving up (closing its end, which completes
+  // this read) ends it sooner, so abandoned connections do not pile up.
+  char unused = 0;
+  OVERLAPPED watch{};
+  watch.hEvent = ioEvent;
+  ResetEvent(ioEvent);
+  const BOOL started = ReadFile(pipe, &unused, 1, nullptr, &watch);
+  bool clientLeft = started || GetLastError() != ERROR_IO_PENDING;
+  if (!clientLeft) {
+    const HANDLE waits[] = {stopEvent_.get(), ioEvent};
+    clientLeft = WaitForMultipleObjects(2, waits, FALSE, MillisecondsLeft()) == WAIT_OBJECT_0 + 1;
+    if (!clientLeft) CancelIoEx(pipe, &watch);
+    DWORD read = 0;
+    GetOverlappedResult(pipe, &watch, &read, TRUE);
+  }
+  DisconnectNamedPipe(pipe);
+  std::printf(clientLeft ? "syncsim: the client gave up waiting for an answer\n"
+                         : "syncsim: left a request unanswered\n");
 }
 
 void PipeServer::Deliver(HANDLE pipe, HANDLE ioEvent, const std::wstring& message) {

@@ -37,6 +37,7 @@ class PipeServer {
   void AnnounceReady(const char* how);
   void Serve(HANDLE pipe);
   void Deliver(HANDLE pipe, HANDLE ioEvent, const std::wstring& message);
+  void HoldUnanswered(HANDLE pipe, HANDLE ioEvent);
 
   const SyncSimOptions& options_;
   AnswerFunction answer_;
