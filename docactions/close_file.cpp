@@ -11,10 +11,10 @@
 namespace {
 // Calls whose outcome shows in the next unsaved-changes check or in the
 // cache rather than in their HRESULT.
-void CallIgnoringResult(IDispatch* object, DispatchName& member, std::initializer_list<const VARIANT*> args,
-                        LCID lcid = 0) {
+HRESULT CallIgnoringResult(IDispatch* object, DispatchName& member, std::initializer_list<const VARIANT*> args,
+                           LCID lcid = 0) {
   UniqueVariant result;
-  InvokeByName(object, member, DISPATCH_METHOD, args, result.put(), lcid);
+  return InvokeByName(object, member, DISPATCH_METHOD, args, result.put(), lcid);
 }
 
 // After the add-in's own close: the last document's close ends the host.
@@ -57,33 +57,33 @@ UniqueVariant SaveChangesArgument(CloseForm form, CloseMode mode) {
 }
 }  // namespace
 
-void CloseFile(ComPtr<IDispatch> document, CloseMode mode) {
+bool CloseFile(ComPtr<IDispatch> document, CloseMode mode) {
   static DispatchName close(L"Close");
   WriteLog(LogLevel::Info, L"going to close file");
   const HostProfile* profile = CurrentHostProfile();
-  if (profile == nullptr) return;
+  if (profile == nullptr) return false;
 
   if (profile->closeForm == CloseForm::NoArguments) {
     // PowerPoint's Close cannot ask the user, so a modified presentation
     // that was to be closed with a prompt stays open.
     if (mode == CloseMode::SaveThenClose &&
         !SaveBeforeClosing(document, L"we didn't close file since file has unsaved changes (during SaveChanges)")) {
-      return;
+      return false;
     }
     if (mode == CloseMode::CloseLettingTheHostAsk && HasUnsavedChanges(document)) {
       WriteLog(LogLevel::Error, L"we didn't close file since file has unsaved changes (during PromptToSaveChanges)");
-      return;
+      return false;
     }
-    CallIgnoringResult(document.get(), close, {});
-    return;
+    return SUCCEEDED(CallIgnoringResult(document.get(), close, {}));
   }
 
   if (mode == CloseMode::SaveThenClose &&
       !SaveBeforeClosing(document, L"we didn't close file since file has unsaved changes")) {
-    return;
+    return false;
   }
   UniqueVariant changes = SaveChangesArgument(profile->closeForm, mode);
   UniqueVariant second = UniqueVariant::Missing(), third = UniqueVariant::Missing();
-  CallIgnoringResult(document.get(), close, {changes.get(), second.get(), third.get()}, 0);
+  const HRESULT closed = CallIgnoringResult(document.get(), close, {changes.get(), second.get(), third.get()}, 0);
   QuitWhenNoDocumentIsLeft(*profile);
+  return SUCCEEDED(closed);
 }

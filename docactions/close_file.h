@@ -14,4 +14,7 @@ enum class CloseMode : int {
 // Excel workbook also quits the host; PowerPoint is never told to quit.
 // A save that leaves the document modified stops the close. The host's
 // before-close event fires inside, as it does for the user's own close.
-void CloseFile(ComPtr<IDispatch> document, CloseMode mode);
+// True when the host was asked to close the document and did not refuse;
+// false when the save or the unsaved changes stopped the close (logged) or
+// the host's Close failed.
+bool CloseFile(ComPtr<IDispatch> document, CloseMode mode);

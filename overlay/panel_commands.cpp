@@ -1,44 +1,266 @@
 #include "overlay/panel_commands.h"
 
+#include <functional>
 #include <optional>
 #include <string>
 
+#include "docactions/close_file.h"
+#include "docactions/read_only.h"
+#include "docactions/save_separate_copy.h"
+#include "docactions/unsaved_changes.h"
 #include "log/write_log.h"
 #include "overlay/overlay_windows.h"
+#include "overlay/panels.h"
 #include "synclink/file_status_cache.h"
 #include "synclink/sync_app_pipe.h"
 
 namespace {
-// "Hide": both windows go at once and stay away while uiHide is set; the
-// sync app hears of it now, not at the next cycle.
-void Hide(const std::wstring& path, const FileStatusRecord& record) {
-  FileStatusCache& cache = TheFileStatusCache();
-  cache.Change(path, [](FileStatusRecord& stored) {
-    stored.uiHide = 1;
-    stored.overlayKind = 0;
-    ResetUserActionFlags(stored);
-  });
-  HWND panel = record.subOverlayWindow;
-  HWND badge = record.badgeWindow;
-  DestroyOverlayWindows(panel, badge);
-  TheSyncAppPipe().Exchange(cache.BuildRequest(path, 1));
+// The file whose panel was pressed: its path and the record as it was.
+struct Pressed {
+  HWND panel;
+  std::wstring path;
+  FileStatusRecord record;
+};
+
+FileStatusCache& Cache() { return TheFileStatusCache(); }
+
+void Store(const Pressed& pressed, const std::function<void(FileStatusRecord&)>& change) {
+  Cache().Change(pressed.path, change);
 }
+
+void Info(const wchar_t* text, const Pressed& pressed) { WriteLog(LogLevel::Info, text + pressed.path); }
+
+// The new panel takes the pressed one's place and is shown at once.
+void ReplacePanel(const Pressed& pressed, HWND panel) {
+  HWND old = pressed.panel;
+  HWND none = nullptr;
+  DestroyOverlayWindows(old, none);
+  Store(pressed, [&](FileStatusRecord& record) { record.subOverlayWindow = panel; });
+  if (panel) ShowWindow(panel, SW_SHOWNA);
+}
+
+// The error panel of a save that could not be made; the next tick that
+// reaches the download or rename/move step leaves it on screen.
+void ShowErrorPanel(const Pressed& pressed, bool readOnly) {
+  Store(pressed, [](FileStatusRecord& record) { record.skipNextUpdate = 1; });
+  ReplacePanel(pressed, CreateErrorMessagePanel(pressed.record.hostWindow, pressed.record.badgeWindow, readOnly));
+}
+
+void HideBadge(const Pressed& pressed) {
+  if (pressed.record.badgeWindow) ShowWindow(pressed.record.badgeWindow, SW_HIDE);
+}
+
+void DestroyBadge(const Pressed& pressed) {
+  HWND none = nullptr;
+  HWND badge = pressed.record.badgeWindow;
+  DestroyOverlayWindows(none, badge);
+}
+
+// 3001: the user wants the newer version; the panel says "Downloading..."
+// until the sync app has it.
+void Download(const Pressed& pressed) {
+  Store(pressed, [](FileStatusRecord& record) {
+    record.downloadRequested = 1;
+    record.overlayUpToDate = 0;
+  });
+  if (GetDlgItem(pressed.panel, 4001) == nullptr) {
+    Info(L"download - user not editing - so save separate copy checkbox not available: ", pressed);
+  } else if (SendDlgItemMessageW(pressed.panel, 4001, BM_GETCHECK, 0, 0) == BST_CHECKED) {
+    Info(L"download - save separate copy checkbox checked: ", pressed);
+    Store(pressed, [](FileStatusRecord& record) { record.saveSeparateCopy = 1; });
+  } else {
+    Info(L"download - save separate copy checkbox not checked: ", pressed);
+  }
+  const bool editing = HasUnsavedChanges(pressed.record.document);
+  const SyncReport& sync = pressed.record.sync;
+  ReplacePanel(pressed, CreateDownloadPanel(pressed.record.hostWindow, pressed.record.badgeWindow,
+                                            sync.last_modified_by_quid, sync.last_modified_by,
+                                            sync.last_modified_time, editing, true));
+}
+
+// 3003: reload the downloaded version; with unsaved changes the user is
+// first asked what becomes of them.
+void Reload(const Pressed& pressed) {
+  HWND panel = pressed.panel;
+  HWND none = nullptr;
+  DestroyOverlayWindows(panel, none);
+  if (HasUnsavedChanges(pressed.record.document)) {
+    Info(L"download ask save copy or not UI shown: ", pressed);
+    Store(pressed, [](FileStatusRecord& record) {
+      record.reloadPromptPlain = 0;
+      record.reloadPromptAskSave = 1;
+    });
+    ReplacePanel(pressed, CreateConfirmLeavePanel(pressed.record.hostWindow, pressed.record.badgeWindow, true, false,
+                                                  true, false, false));
+    return;
+  }
+  Info(L"download reload file in progress: ", pressed);
+  DestroyBadge(pressed);
+  // Set before the close: the close's own request tells the sync app the
+  // user wants the web version.
+  Store(pressed, [](FileStatusRecord& record) {
+    record.retryModify = 1;
+    record.reloadPromptPlain = 0;
+    record.reloadPromptAskSave = 0;
+  });
+  CloseFile(pressed.record.document, CloseMode::CloseLettingTheHostAsk);
+  if (Cache().Contains(pressed.path) && HasUnsavedChanges(pressed.record.document)) {
+    // The host's own save question is still open: the user kept the file.
+    Info(L"download ask save copy or not UI shown: ", pressed);
+    Store(pressed, [](FileStatusRecord& record) { record.reloadPromptAskSave = 1; });
+  }
+  WriteLog(LogLevel::Info, L"download reload completed");
+}
+
+// 3004: keep the user's changes in a separate copy next to the document,
+// then reload.
+void SaveCopyAndReload(const Pressed& pressed) {
+  Info(L"download with save copy in progress: ", pressed);
+  Store(pressed, [](FileStatusRecord& record) { record.retryModify = 1; });
+  if (!SaveSeparateCopy(pressed.record.document)) {
+    ShowErrorPanel(pressed, false);
+    Store(pressed, [](FileStatusRecord& record) {
+      record.reloadPromptAskSave = 0;
+      record.retryModify = 0;
+      record.overlayUpToDate = 0;
+    });
+    return;
+  }
+  HideBadge(pressed);
+  Store(pressed, [](FileStatusRecord& record) { record.overlayUpToDate = 0; });
+  TheSyncAppPipe().Exchange(Cache().BuildRequest(pressed.path, 0));
+  DestroyRecordOverlays(pressed.path);
+  Cache().RemoveFile(pressed.path);
+  CloseFile(pressed.record.document, CloseMode::CloseLettingTheHostAsk);
+  WriteLog(LogLevel::Info, L"download with save copy completed");
+}
+
+// 3005: reload and let the changes go.
+void DiscardAndReload(const Pressed& pressed) {
+  Info(L"download with discard changes in progress: ", pressed);
+  Store(pressed, [](FileStatusRecord& record) { record.retryModify = 1; });
+  CloseFile(pressed.record.document, CloseMode::CloseWithoutSaving);
+}
+
+// 3006 and 3010: the confirmation, asking about unsaved changes when there
+// are any.
+void AskBeforeResolving(const Pressed& pressed) {
+  const bool editing = HasUnsavedChanges(pressed.record.document);
+  Info(editing ? L"resolve conflict - ask whether to save changes or not UI shown: "
+               : L"resolve conflict - Continue UI shown: ",
+       pressed);
+  Store(pressed, [&](FileStatusRecord& record) {
+    record.resolveConflictClicked = 1;
+    record.conflictAskShown = editing ? 1 : 0;
+  });
+  ReplacePanel(pressed, CreateConfirmLeavePanel(pressed.record.hostWindow, pressed.record.badgeWindow, editing, true,
+                                                false, false, false));
+}
+
+void AskBeforeFollowing(const Pressed& pressed) {
+  const bool editing = HasUnsavedChanges(pressed.record.document);
+  Info(editing ? L"rename/move - ask whether to save changes or not UI shown: " : L"rename/move - Continue UI shown: ",
+       pressed);
+  Store(pressed, [&](FileStatusRecord& record) {
+    record.renameMoveClicked = 1;
+    record.renameMoveAskShown = editing ? 1 : 0;
+  });
+  const SyncReport& sync = pressed.record.sync;
+  ReplacePanel(pressed, CreateConfirmLeavePanel(pressed.record.hostWindow, pressed.record.badgeWindow, editing, false,
+                                                false, sync.is_rename_present != 0, sync.is_move_present != 0));
+}
+
+// 3007, 3008, 3009: close the document so the sync app can open its
+// resolve-conflict window.
+void ResolveConflict(const Pressed& pressed, CloseMode mode) {
+  if (mode == CloseMode::CloseLettingTheHostAsk) Info(L"need to open resolve conflict window: ", pressed);
+  Store(pressed, [](FileStatusRecord& record) { record.resolveConflict = 1; });
+  CloseFile(pressed.record.document, mode);
+  WriteLog(LogLevel::Info, mode == CloseMode::CloseLettingTheHostAsk ? L"resolve conflict continue completed"
+                                                                      : L"resolve conflict save/discard completed");
+}
+
+// 3011: close the document so it is synced from its new name or place.
+void FollowRenameOrMove(const Pressed& pressed) {
+  HasUnsavedChanges(pressed.record.document);
+  Info(L"retry rename/move: ", pressed);
+  Store(pressed, [](FileStatusRecord& record) { record.retryRenameOrMove = 1; });
+  CloseFile(pressed.record.document, CloseMode::CloseLettingTheHostAsk);
+  WriteLog(LogLevel::Info, L"rename/move continue completed");
+}
+
+// 3012 and 3013: the same, saving or dropping the changes first. A save
+// that cannot be made shows why, and the document stays open with the
+// user's changes in it.
+void FollowRenameOrMoveSaving(const Pressed& pressed, bool save) {
+  HWND panel = pressed.panel;
+  HWND none = nullptr;
+  DestroyOverlayWindows(panel, none);
+  Store(pressed, [](FileStatusRecord& record) { record.retryRenameOrMove = 1; });
+  if (save && IsReadOnly(pressed.record.document)) {
+    Info(L"read-only file: ", pressed);
+    ShowErrorPanel(pressed, true);
+  } else if (!CloseFile(pressed.record.document, save ? CloseMode::SaveThenClose : CloseMode::CloseWithoutSaving)) {
+    const std::optional<FileStatusRecord> now = Cache().Find(pressed.path);
+    if (now && !now->skipNextUpdate) ShowErrorPanel(pressed, false);
+  }
+  Store(pressed, [](FileStatusRecord& record) {
+    record.renameMoveAskShown = 0;
+    record.overlayUpToDate = 0;
+  });
+  WriteLog(LogLevel::Info, L"rename/move save/discard completed");
+}
+
+// 3014: both windows go at once and stay away while uiHide is set; the sync
+// app hears of it now, not at the next cycle.
+void Hide(const Pressed& pressed) {
+  Store(pressed, [](FileStatusRecord& record) {
+    record.uiHide = 1;
+    record.overlayKind = 0;
+    ResetUserActionFlags(record);
+  });
+  HWND panel = pressed.record.subOverlayWindow;
+  HWND badge = pressed.record.badgeWindow;
+  DestroyOverlayWindows(panel, badge);
+  TheSyncAppPipe().Exchange(Cache().BuildRequest(pressed.path, 1));
+}
+
+struct Command {
+  int id;
+  // Logged at level 4 as it stands, then at level 3 with ": " and the path.
+  const wchar_t* text;
+  void (*act)(const Pressed& pressed);
+};
+
+const Command kCommands[] = {
+    {3001, L"download button clicked", Download},
+    {3003, L"download reload button clicked", Reload},
+    {3004, L"download with save copy button clicked", SaveCopyAndReload},
+    {3005, L"download with discard changes button clicked", DiscardAndReload},
+    {3006, L"resolve conflict button clicked", AskBeforeResolving},
+    {3007, L"resolve conflict continue button clicked",
+     [](const Pressed& p) { ResolveConflict(p, CloseMode::CloseLettingTheHostAsk); }},
+    {3008, L"resolve conflict save button clicked", [](const Pressed& p) { ResolveConflict(p, CloseMode::SaveThenClose); }},
+    {3009, L"resolve conflict discard button clicked",
+     [](const Pressed& p) { ResolveConflict(p, CloseMode::CloseWithoutSaving); }},
+    {3010, L"rename/move button clicked", AskBeforeFollowing},
+    {3011, L"rename/move continue button clicked", FollowRenameOrMove},
+    {3012, L"rename/move save button clicked", [](const Pressed& p) { FollowRenameOrMoveSaving(p, true); }},
+    {3013, L"rename/move discard button clicked", [](const Pressed& p) { FollowRenameOrMoveSaving(p, false); }},
+    {3014, L"user clicked hide option", Hide},
+};
 }  // namespace
 
 void HandlePanelCommand(HWND panel, int id) {
-  FileStatusCache& cache = TheFileStatusCache();
-  switch (id) {
-    case 3014: {
-      WriteLog(LogLevel::Debug, L"user clicked hide option");
-      const std::optional<std::wstring> path = cache.PathOfWindow(panel, FileStatusCache::WindowRole::Panel);
-      if (!path) return;
-      const std::optional<FileStatusRecord> record = cache.Find(*path);
-      if (!record) return;
-      WriteLog(LogLevel::Info, L"user clicked hide option: " + *path);
-      Hide(*path, *record);
-      return;
-    }
-    default:
-      return;
+  for (const Command& command : kCommands) {
+    if (command.id != id) continue;
+    WriteLog(LogLevel::Debug, command.text);
+    const std::optional<std::wstring> path = Cache().PathOfWindow(panel, FileStatusCache::WindowRole::Panel);
+    if (!path) return;
+    std::optional<FileStatusRecord> record = Cache().Find(*path);
+    if (!record) return;
+    WriteLog(LogLevel::Info, std::wstring(command.text) + L": " + *path);
+    command.act({panel, *path, std::move(*record)});
+    return;
   }
 }

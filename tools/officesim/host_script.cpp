@@ -7,6 +7,7 @@
 #include <sstream>
 
 #include "common/text.h"
+#include "tools/officesim/screen_actions.h"
 #include "tools/officesim/sim_document.h"
 
 void PumpMessages(unsigned long milliseconds) {
@@ -75,6 +76,19 @@ bool RunHostScript(const std::vector<std::wstring>& lines, SimApplication& appli
       application.SetPromptAnswer(answer == L"save"      ? SimApplication::PromptAnswer::Save
                                   : answer == L"discard" ? SimApplication::PromptAnswer::Discard
                                                          : SimApplication::PromptAnswer::Cancel);
+    } else if (command == L"screenshot") {
+      if (!SaveScreenshot(RestOfLine(words))) return Fail(line, "screenshot not saved");
+    } else if (command == L"click-button") {
+      if (!ClickButton(RestOfLine(words))) return Fail(line, "no such button");
+    } else if (command == L"click-at") {
+      int x = 0;
+      int y = 0;
+      words >> x >> y;
+      if (!ClickAt(x, y)) return Fail(line, "no window of the host there");
+    } else if (command == L"wait-for-text") {
+      unsigned long timeoutMs = 0;
+      words >> timeoutMs;
+      if (!WaitForText(RestOfLine(words), timeoutMs)) return Fail(line, "text did not appear in time");
     } else if (command == L"report") {
       application.PrintReferences();
     } else if (command == L"open-close-many") {

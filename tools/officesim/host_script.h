@@ -25,6 +25,10 @@ void PumpMessages(unsigned long milliseconds);
 //   close <doc>                the user closes it
 //   open-close-many <folder> <count>
 //                              opens and closes that many files in turn
+//   screenshot <path>          save the whole screen as a PNG file
+//   click-button <caption>     press the visible button (or tick the box) with that caption
+//   click-at <x> <y>           a left click at that point of the screen
+//   wait-for-text <ms> <text>  let the host run until a visible window shows that text
 //   report                     print the references add-ins hold on documents
 //   # ...                      a comment
 bool RunHostScript(const std::vector<std::wstring>& lines, SimApplication& application);
