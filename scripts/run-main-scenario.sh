@@ -20,13 +20,26 @@ user_dir="$(ls -d "$WINEPREFIX"/drive_c/users/*/AppData/Roaming | grep -v Public
 user_dir="${user_dir%/AppData/Roaming}"
 user="$(basename "$user_dir")"
 logs="$user_dir/AppData/Roaming/QelvoFilewell/logs"
+
+# A few colleagues have avatars, as the sync app would have fetched them
+# (named by their identifier less its first two characters); the others
+# get the default one.
+avatars="$user_dir/AppData/Roaming/QelvoFilewell/avatar"
+mkdir -p "$avatars"
+for person in bo:#2b7bb9 ann:#c0392b cy:#27ae60 dee:#8e44ad; do
+  convert -size 40x40 xc:white -fill "${person#*:}" -draw "circle 19.5,19.5 19.5,1" -fill white \
+    -draw "circle 19.5,15 19.5,8" -draw "ellipse 19.5,36 12,10 180,360" -strip "png:$avatars/${person%%:*}"
+done
 rm -f "$logs"/msoffice_addinlog*.txt
 
 # The user's synced folder with a few documents in it.
 synced="$user_dir/Filewell"
 rm -rf "$synced"
 mkdir -p "$synced"
-for name in report.docx notes.docx budget.xlsx; do printf 'content\n' > "$synced/$name"; done
+for name in report.docx notes.docx download.docx edited.docx conflict.docx renamed.docx moved.docx deleted.docx \
+            readonly.docx failing.docx budget.xlsx deck.pptx; do
+  printf 'content\n' > "$synced/$name"
+done
 win_synced="C:\\users\\$user\\Filewell"
 office="C:\\Program Files\\Microsoft Office\\root\\Office16"
 
@@ -77,20 +90,98 @@ after 13
 set all_viewers_quid=u1bo
 set all_viewers_names=Bo Chan
 
+# A synced document that stays quietly open, so Word does not quit when
+# the add-in closes the others.
+file $win_synced\\notes.docx
+set is_sync_file=true
+set file_combo_id=n1
+set is_loading_data_from_server=false
+
+# A newer version is on the web and already downloaded; the user reloads.
+file $win_synced\\download.docx
+set is_sync_file=true
+set file_combo_id=d1
+set is_loading_data_from_server=false
+set last_modified_by_quid=u1bo
+set last_modified_by=Bo Chan
+set last_modified_time=2026-11-23 10:12
+set is_download_present=Downloaded
+
+# The same while the user has unsaved changes, which they keep as a copy.
+file $win_synced\\edited.docx
+set is_sync_file=true
+set file_combo_id=d2
+set is_loading_data_from_server=false
+set is_download_present=Downloaded
+
+file $win_synced\\conflict.docx
+set is_sync_file=true
+set file_combo_id=c1
+set is_loading_data_from_server=false
+set is_conflict_present=true
+
+file $win_synced\\renamed.docx
+set is_sync_file=true
+set file_combo_id=r1
+set is_loading_data_from_server=false
+set is_rename_present=true
+set src=renamed.docx
+set dest=Quarterly report for the board (final, reviewed by finance and legal).docx
+
+# Moved with its folder: the file must be closed before it can follow.
+file $win_synced\\moved.docx
+set is_sync_file=true
+set file_combo_id=m1
+set is_loading_data_from_server=false
+set is_move_present=true
+set is_folder_move_present=true
+set src=C:\\Users\\$user\\Filewell\\Drafts
+set dest=C:\\Users\\$user\\Filewell\\Projects\\2026\\Board meetings\\November
+
+file $win_synced\\deleted.docx
+set is_sync_file=true
+set file_combo_id=x1
+set is_loading_data_from_server=false
+set is_delete_present=true
+
+# Renamed on the web while opened read-only with changes: the save cannot be made.
+file $win_synced\\readonly.docx
+set is_sync_file=true
+set file_combo_id=o1
+set is_loading_data_from_server=false
+set is_rename_present=true
+set src=readonly.docx
+set dest=readonly (approved).docx
+
+# Moved on the web while the disk refuses every save.
+file $win_synced\\failing.docx
+set is_sync_file=true
+set file_combo_id=f1
+set is_loading_data_from_server=false
+set is_move_present=true
+set src=C:\\Users\\$user\\Filewell
+set dest=C:\\Users\\$user\\Filewell\\Archive
+
 file $win_synced\\budget.xlsx
 set is_sync_file=true
 set file_combo_id=b1
-set is_internet_connected=true
 set is_loading_data_from_server=false
-set all_editors_quid=u1ann
-set all_editors_names=Ann Lee
+set is_conflict_present=true
+
+file $win_synced\\deck.pptx
+set is_sync_file=true
+set file_combo_id=p1
+set is_loading_data_from_server=false
+set is_rename_present=true
+set src=deck.pptx
+set dest=deck (customer version).pptx
 SCENARIO
 
 (cd "$bin" && wine_run regsvr32 /s /n /i:user QSyncMSOfficeAddin.dll)
 echo "registered per user: QelvoFilewellSync.OfficeAddin"
 
 wine_run "$bin/syncsim.exe" --scenario "$(winpath "$out/sync-scenario.txt")" \
-  --record "$(winpath "$out/sync-requests.txt")" --run-ms 240000 > "$out/syncsim-output.txt" 2>&1 &
+  --record "$(winpath "$out/sync-requests.txt")" --run-ms 480000 > "$out/syncsim-output.txt" 2>&1 &
 sync_pid=$!
 sleep 2
 
@@ -125,19 +216,129 @@ wait 4500
 $(shot word-7-hidden.png)
 close report.docx
 wait 500
+# The web's changes, one document at a time.
+open $win_synced\\notes.docx
+open $win_synced\\download.docx
+wait-for-text 20000 Download latest version
+wait 500
+$(shot word-8-download.png)
+click-button Download latest version
+wait 300
+$(shot word-9-downloading.png)
+wait-for-text 20000 Reload
+wait 500
+$(shot word-10-reload.png)
+click-button Reload
+wait 1000
+open $win_synced\\edited.docx
+type edited.docx
+wait-for-text 20000 Save my changes as a separate copy
+wait 500
+$(shot word-11-download-unsaved-changes.png)
+click-button Save my changes as a separate copy
+click-button Download latest version
+wait-for-text 20000 Reload
+click-button Reload
+wait-for-text 20000 Save a copy & Reload
+wait 500
+$(shot word-12-reload-save-copy-or-discard.png)
+click-button Save a copy & Reload
+wait 1000
+open $win_synced\\conflict.docx
+wait-for-text 20000 Resolve conflict
+wait 500
+$(shot word-13-conflict.png)
+click-button Resolve conflict
+wait-for-text 20000 Continue
+wait 500
+$(shot word-14-conflict-continue.png)
+click-button Continue
+wait 1000
+open $win_synced\\renamed.docx
+wait-for-text 20000 This file has been renamed
+wait 500
+$(shot word-15-renamed.png)
+click-button Reload
+wait-for-text 20000 Continue
+wait 500
+$(shot word-16-renamed-continue.png)
+click-button Continue
+wait 1000
+open $win_synced\\moved.docx
+wait-for-text 20000 This file has been moved to a new location
+wait 500
+$(shot word-17-moved-close-first.png)
+close moved.docx
+wait 500
+open $win_synced\\deleted.docx
+wait-for-text 20000 This file has been deleted
+wait 500
+$(shot word-18-deleted.png)
+close deleted.docx
+wait 500
+open-readonly $win_synced\\readonly.docx
+type readonly.docx
+wait-for-text 20000 This file has been renamed
+click-button Reload
+wait-for-text 20000 Save & Continue
+wait 500
+$(shot word-19-renamed-save-or-discard.png)
+click-button Save & Continue
+wait-for-text 20000 You can't make changes to this file, because the file has a read-only permission level.
+wait 500
+$(shot word-20-error-read-only.png)
+prompt-answer discard
+close readonly.docx
+wait 500
+open $win_synced\\failing.docx
+type failing.docx
+fail-saves failing.docx
+wait-for-text 20000 This file has been moved to a new location
+click-button Reload
+wait-for-text 20000 Save & Continue
+click-button Save & Continue
+wait-for-text 20000 An error occurred while saving the file. Please ensure you have sufficient privileges and try again.
+wait 500
+$(shot word-21-error-save.png)
+close failing.docx
+wait 500
+report
 SCRIPT
 wine_run "$office\\WINWORD.EXE" --script "$(winpath "$out/word-script.txt")" > "$out/word-output.txt" 2>&1 || true
 
+# Excel: a conflict on a workbook with unsaved changes, resolved by
+# discarding them.
 cat > "$out/excel-script.txt" <<SCRIPT
 wait 500
 open $win_synced\\budget.xlsx
-wait-for-text 20000 Another user is editing this file
+type budget.xlsx
+wait-for-text 20000 Resolve conflict
 wait 500
-$(shot excel-editing.png)
-close budget.xlsx
+$(shot excel-conflict.png)
+click-button Resolve conflict
+wait-for-text 20000 Discard & Continue
 wait 500
+$(shot excel-conflict-save-or-discard.png)
+click-button Discard & Continue
+wait 1000
+report
 SCRIPT
 wine_run "$office\\EXCEL.EXE" --script "$(winpath "$out/excel-script.txt")" > "$out/excel-output.txt" 2>&1 || true
+
+# PowerPoint: a presentation renamed on the web, reloaded.
+cat > "$out/powerpoint-script.txt" <<SCRIPT
+wait 500
+open $win_synced\\deck.pptx
+wait-for-text 20000 This file has been renamed
+wait 500
+$(shot powerpoint-renamed.png)
+click-button Reload
+wait-for-text 20000 Continue
+click-button Continue
+wait 1000
+report
+SCRIPT
+wine_run "$office\\POWERPNT.EXE" --script "$(winpath "$out/powerpoint-script.txt")" > "$out/powerpoint-output.txt" 2>&1 || true
 
 kill "$sync_pid" >/dev/null 2>&1 || true
 wait "$sync_pid" 2>/dev/null || true
@@ -148,6 +349,8 @@ echo "---- simulated Word ----"
 cat "$out/word-output.txt"
 echo "---- simulated Excel ----"
 cat "$out/excel-output.txt"
+echo "---- simulated PowerPoint ----"
+cat "$out/powerpoint-output.txt"
 echo "---- requests the sync app received ($out/sync-requests.txt) ----"
 cat "$out/sync-requests.txt"
 echo "---- add-in log ($out/msoffice_addinlog.txt) ----"

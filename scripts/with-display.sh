@@ -1,5 +1,5 @@
 #!/usr/bin/env bash
-# Runs a command with one private Xvfb screen and one persistent wineserver
+# Runs a command with one private Xvfb screen (1280x800, or QSYNC_SCREEN) and one persistent wineserver
 # for the Wine prefix, both stopped afterwards.
 set -u
 root="$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)"
@@ -8,7 +8,7 @@ display=""
 for candidate in $(seq 90 130); do
   if [ ! -e "/tmp/.X11-unix/X$candidate" ] && [ ! -e "/tmp/.X$candidate-lock" ]; then display=":$candidate"; break; fi
 done
-Xvfb "$display" -screen 0 1280x800x24 -nolisten tcp >/dev/null 2>&1 &
+Xvfb "$display" -screen 0 "${QSYNC_SCREEN:-1280x800}x24" -nolisten tcp >/dev/null 2>&1 &
 xvfb_pid=$!
 export DISPLAY="$display"
 for _ in $(seq 50); do [ -e "/tmp/.X11-unix/X${display#:}" ] && break; sleep 0.1; done
