@@ -5,6 +5,7 @@
 #include <gtest/gtest.h>
 
 #include <atomic>
+#include <cstdio>
 #include <random>
 #include <thread>
 #include <vector>
@@ -265,6 +266,8 @@ TEST(SharedCacheStress, AnswersAndUiWorkNeverLoseAUiFieldNorBringBackARemovedRec
     if (step > 1000 && cache.Contains(removedForGood)) ++broughtBack;
   }
   updates.join();
+  std::printf("%d answers applied while the UI thread took %d steps; %llu log lines\n", answersApplied.load(), step,
+              CapturedLineCount());
 
   EXPECT_EQ(answersApplied.load(), 10000);
   EXPECT_EQ(lostFields, 0);
