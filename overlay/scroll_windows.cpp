@@ -74,6 +74,20 @@ int MoveBar(HWND window, int bar, int position) {
   return info.nPos;
 }
 
+// Moves the bar as a request asks (the system keeps it in its range) and
+// the content by as much, in steps of `unit` pixels.
+template <class Request>
+void ScrollBy(HWND window, int bar, const wchar_t* messageText, Request request, int unit,
+              const wchar_t* (*requestLogText)(Request), int (*requested)(Request, const ScrollBarState&)) {
+  WriteLog(LogLevel::Debug, messageText);
+  const ScrollBarState state = ReadBar(window, bar);
+  if (const wchar_t* text = requestLogText(request)) WriteLog(LogLevel::Debug, text);
+  const int kept = MoveBar(window, bar, requested(request, state));
+  if (kept == state.position) return;
+  const int pixels = ScrollPixels(state.position, kept, unit);
+  ScrollWindow(window, bar == SB_HORZ ? pixels : 0, bar == SB_VERT ? pixels : 0, nullptr, nullptr);
+}
+
 LRESULT HorizontalMessage(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
   Metrics& metrics = SharedMetrics();
   switch (message) {
@@ -87,17 +101,10 @@ LRESULT HorizontalMessage(HWND window, UINT message, WPARAM wParam, LPARAM lPara
       SetScrollInfo(window, SB_HORZ, &info, TRUE);
       return 0;
     }
-    case WM_HSCROLL: {
-      WriteLog(LogLevel::Debug, L"WM_HSCROLL");
-      const ScrollBarState bar = ReadBar(window, SB_HORZ);
-      const auto request = static_cast<HorizontalScrollRequest>(LOWORD(wParam));
-      if (const wchar_t* text = HorizontalRequestLogText(request)) WriteLog(LogLevel::Debug, text);
-      const int kept = MoveBar(window, SB_HORZ, RequestedHorizontalPosition(request, bar));
-      if (kept != bar.position) {
-        ScrollWindow(window, ScrollPixels(bar.position, kept, metrics.charWidth), 0, nullptr, nullptr);
-      }
+    case WM_HSCROLL:
+      ScrollBy(window, SB_HORZ, L"WM_HSCROLL", static_cast<HorizontalScrollRequest>(LOWORD(wParam)),
+               metrics.charWidth, HorizontalRequestLogText, RequestedHorizontalPosition);
       return 0;
-    }
     case WM_PAINT: {
       WriteLog(LogLevel::Debug, L"WM_PAINT");
       const PaintDc paint(window);
@@ -144,17 +151,10 @@ LRESULT VerticalMessage(HWND window, UINT message, WPARAM wParam, LPARAM lParam)
       SetScrollInfo(window, SB_VERT, &info, TRUE);
       return 0;
     }
-    case WM_VSCROLL: {
-      WriteLog(LogLevel::Debug, L"WM_VSCROLL");
-      const ScrollBarState bar = ReadBar(window, SB_VERT);
-      const auto request = static_cast<VerticalScrollRequest>(LOWORD(wParam));
-      if (const wchar_t* text = VerticalRequestLogText(request)) WriteLog(LogLevel::Debug, text);
-      const int kept = MoveBar(window, SB_VERT, RequestedVerticalPosition(request, bar));
-      if (kept != bar.position) {
-        ScrollWindow(window, 0, ScrollPixels(bar.position, kept, metrics.lineHeight), nullptr, nullptr);
-      }
+    case WM_VSCROLL:
+      ScrollBy(window, SB_VERT, L"WM_VSCROLL", static_cast<VerticalScrollRequest>(LOWORD(wParam)),
+               metrics.lineHeight, VerticalRequestLogText, RequestedVerticalPosition);
       return 0;
-    }
     case WM_CTLCOLORSTATIC:
       // The rows' texts are drawn on the area's white.
       SetBkColor(reinterpret_cast<HDC>(wParam), RGB(255, 255, 255));
