@@ -833,6 +833,26 @@ TEST_F(CustomUiTick, ADocumentClosedInTheHostIsDroppedOnTheNextTickWithItsWindow
   EXPECT_EQ(host_.LevelOf("file info removed from cache - " + Narrow(path)), "I");
 }
 
+TEST_F(CustomUiTick, TheTickRecordsAnActiveDocumentTheEventsMissed) {
+  SimDocument* missed = host_.Open(L"missed.docx");
+  ASSERT_FALSE(TheFileStatusCache().Contains(missed->fullName()));
+  host_.ClearLog();
+  Tick();
+  ASSERT_TRUE(TheFileStatusCache().Contains(missed->fullName()));
+  EXPECT_EQ(host_.Record(missed->fullName()).hostWindow, host_.mainWindow());
+  EXPECT_EQ(InfoMessages(), (std::vector<std::string>{"document open/activate/save - " + Narrow(missed->fullName()),
+                                                       "file info stored in cache - " + Narrow(missed->fullName())}));
+}
+
+TEST_F(CustomUiTick, ANewUnsavedDocumentInFrontHidesTheOtherFilesWindows) {
+  const std::wstring path = ShowAfterOneTick(L"viewed", ViewedAnswer());
+  host_.app().NewDocument();
+  Tick();
+  EXPECT_EQ(host_.CachedPaths(), std::vector<std::wstring>{path});
+  EXPECT_FALSE(IsWindowVisible(BadgeOf(path)));
+  EXPECT_FALSE(IsWindowVisible(PanelOf(path)));
+}
+
 TEST_F(CustomUiTick, TheTickGoesOnWithTheNextRecordAfterDroppingAClosedOne) {
   SimDocument* closed = host_.OpenAnswered(L"a-closed", QuietAnswer());
   SimDocument* active = host_.OpenAnswered(L"b-active", ViewedAnswer());
