@@ -204,6 +204,17 @@ TEST_F(HideOption, TakesBothWindowsAwayAtOnceAndMarksTheRecord) {
   EXPECT_EQ(InfoMessages(), std::vector<std::string>{"user clicked hide option: " + Narrow(path_)});
 }
 
+TEST_F(HideOption, AClickOnTheHideButtonItselfTakesBothWindowsAway) {
+  const HWND button = ChildWithId(panel_, 3014);
+  ASSERT_NE(button, nullptr);
+  // The button tells its panel from inside its own click handling, and the
+  // panel (with the button) is gone before that handling returns.
+  SendMessageW(button, BM_CLICK, 0, 0);
+  EXPECT_FALSE(IsWindow(badge_));
+  EXPECT_FALSE(IsWindow(panel_));
+  EXPECT_EQ(host_.Record(path_).uiHide, 1u);
+}
+
 TEST_F(HideOption, TellsTheSyncAppAtOnceWithUiHideBetweenRetryDeleteAndTheFileId) {
   PressHide();
   ASSERT_EQ(syncSim_.Stop(), 0u);
