@@ -853,6 +853,30 @@ TEST_F(CustomUiTick, ANewUnsavedDocumentInFrontHidesTheOtherFilesWindows) {
   EXPECT_FALSE(IsWindowVisible(PanelOf(path)));
 }
 
+TEST_F(CustomUiTick, AnAnswerThatArrivesWhileTheTickDrawsIsDrawnByTheNextTick) {
+  SimDocument* document = host_.OpenAnswered(L"raced", ViewedAnswer());
+  const std::wstring path = document->fullName();
+  AnswerFields newer = ViewedAnswer();
+  newer.is_download_present = L"Downloaded";
+  // The update thread writes its answer while the tick asks the host
+  // whether the document holds changes.
+  bool answered = false;
+  document->RemoveMember(L"Saved");
+  document->AddMember(L"Saved", 0x4, [&](WORD, const std::vector<VARIANT*>&, VARIANT* result) {
+    if (!answered) Answer(path, newer);
+    answered = true;
+    return ReturnBool(result, true);
+  });
+  Tick();
+  ASSERT_TRUE(answered);
+  EXPECT_EQ(KindOf(path), 8);
+  EXPECT_EQ(host_.Record(path).overlayUpToDate, 0u);
+  Tick();
+  EXPECT_EQ(KindOf(path), 7);
+  EXPECT_TRUE(HasChildText(PanelOf(path), L"This file has been modified"));
+  EXPECT_EQ(host_.Record(path).overlayUpToDate, 1u);
+}
+
 TEST_F(CustomUiTick, TheTickGoesOnWithTheNextRecordAfterDroppingAClosedOne) {
   SimDocument* closed = host_.OpenAnswered(L"a-closed", QuietAnswer());
   SimDocument* active = host_.OpenAnswered(L"b-active", ViewedAnswer());
