@@ -20,6 +20,11 @@ fi
 run reg add 'HKLM\Software\Microsoft\Windows NT\CurrentVersion\AeDebug' /v Debugger /t REG_SZ /d 'false' /f >/dev/null 2>&1
 run reg add 'HKLM\Software\Microsoft\Windows NT\CurrentVersion\AeDebug' /v Auto /t REG_SZ /d 1 /f >/dev/null 2>&1
 run reg add 'HKCU\Software\Wine\WineDbg' /v ShowCrashDialog /t REG_DWORD /d 0 /f >/dev/null 2>&1
+# Xvfb runs no window manager, so Wine must not hand windows to one: a
+# managed window (one with a caption, the active one, one that owns pop-ups
+# such as an Office window under its badge) waits up to two seconds at a hide
+# or destroy for a state change that no window manager will ever report.
+run reg add 'HKCU\Software\Wine\X11 Driver' /v Managed /t REG_SZ /d N /f >/dev/null 2>&1
 
 appdata="$WINEPREFIX/drive_c/users/${USER:-$(id -un)}/AppData/Roaming"
 [ -d "$appdata" ] || appdata="$(ls -d "$WINEPREFIX"/drive_c/users/*/AppData/Roaming | head -1)"

@@ -1,0 +1,97 @@
+// Times one UI tick inside the simulated Office under Wine with 1, 10 and
+// 100 cached documents whose overlays are up to date, as a user who keeps
+// many synced files open would have them every 4 seconds. Two kinds of
+// session: quiet files (nobody else in them, nothing shown) and viewed
+// files (one other person in each, so each has its badge and panel, hidden
+// while the file is not the active one). Prints the median tick and how
+// the time grows from 10 to 100 documents (10 means linear growth).
+// Reported, not asserted: timings depend on the machine and on what else
+// runs on it. Run through bench/tick-benchmark.sh.
+#include <windows.h>
+
+#include <algorithm>
+#include <cstdio>
+#include <string>
+#include <vector>
+
+#include "tests/windows/tick_test_support.h"
+
+namespace {
+constexpr int kMeasuredTicks = 500;
+constexpr int kSizes[] = {1, 10, 100};
+
+double Microseconds(LONGLONG ticks) {
+  static const LONGLONG frequency = [] {
+    LARGE_INTEGER f;
+    QueryPerformanceFrequency(&f);
+    return f.QuadPart;
+  }();
+  return static_cast<double>(ticks) * 1e6 / static_cast<double>(frequency);
+}
+
+// The median and the 10th and 90th percentiles: on a shared machine a tick
+// now and then waits for the wineserver's turn on a processor, and the
+// spread shows how much of that is in the figure.
+struct Figures {
+  double median;
+  double low;
+  double high;
+};
+
+Figures Summarise(std::vector<double> times) {
+  std::sort(times.begin(), times.end());
+  return {times[times.size() / 2], times[times.size() / 10], times[times.size() * 9 / 10]};
+}
+
+// One session of `documents` open files, each with `answer`; the first one
+// active at the end, as after the user went through them all.
+Figures TimeTicks(int documents, const AnswerFields& answer) {
+  OverlayHost host(SimHost::Word);
+  std::vector<SimDocument*> opened;
+  for (int i = 0; i < documents; ++i) {
+    opened.push_back(host.OpenAnswered(L"bench" + std::to_wstring(i), answer));
+    // Each file's first tick as the active one builds what it shows.
+    Tick();
+    PumpMessages();
+  }
+  host.Activate(opened.front());
+  for (int i = 0; i < 3; ++i) {
+    Tick();
+    PumpMessages();
+  }
+  std::vector<double> times;
+  times.reserve(kMeasuredTicks);
+  for (int i = 0; i < kMeasuredTicks; ++i) {
+    LARGE_INTEGER start, end;
+    QueryPerformanceCounter(&start);
+    Tick();
+    QueryPerformanceCounter(&end);
+    times.push_back(Microseconds(end.QuadPart - start.QuadPart));
+    PumpMessages();
+  }
+  return Summarise(times);
+}
+}  // namespace
+
+int main() {
+  AnswerFields quiet = QuietAnswer();
+  AnswerFields viewed = QuietAnswer();
+  AddViewers(viewed, L"u-ann", L"Ann Lee");
+
+  std::printf("One UI tick in the simulated Word under Wine, %d ticks each, microseconds (median [p10, p90])\n",
+              kMeasuredTicks);
+  std::printf("%-10s %-30s %-30s\n", "documents", "quiet", "viewed");
+  std::vector<Figures> quietFigures, viewedFigures;
+  for (int size : kSizes) {
+    quietFigures.push_back(TimeTicks(size, quiet));
+    viewedFigures.push_back(TimeTicks(size, viewed));
+    const Figures& q = quietFigures.back();
+    const Figures& v = viewedFigures.back();
+    std::printf("%-10d %8.0f [%6.0f, %6.0f]       %8.0f [%6.0f, %6.0f]\n", size, q.median, q.low, q.high, v.median,
+                v.low, v.high);
+  }
+  std::printf("100 documents against 10 (10 = linear): quiet %.1f (p10 %.1f), viewed %.1f (p10 %.1f)\n",
+              quietFigures[2].median / quietFigures[1].median, quietFigures[2].low / quietFigures[1].low,
+              viewedFigures[2].median / viewedFigures[1].median, viewedFigures[2].low / viewedFigures[1].low);
+  return 0;
+}

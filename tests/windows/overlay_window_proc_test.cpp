@@ -1,0 +1,237 @@
+// The overlay's window procedure with real mouse and command messages sent
+// to a badge and panel that a tick built inside the simulated Word: clicks
+// open and close the panel against the badge, drags move the badge within
+// the Office window, "Hide" takes both windows away and tells the sync app,
+// and a window destroyed from outside is forgotten by its record at once.
+#include <gtest/gtest.h>
+
+#include "synclink/sync_app_pipe.h"
+#include "tests/windows/sync_sim_process.h"
+#include "tests/windows/tick_test_support.h"
+
+namespace {
+// The mouse as Windows reports it to the badge: client coordinates, which
+// for the borderless badge are offsets from its top-left corner.
+LPARAM At(int x, int y) { return MAKELPARAM(static_cast<WORD>(x), static_cast<WORD>(y)); }
+void Press(HWND badge, int x, int y) { SendMessageW(badge, WM_LBUTTONDOWN, MK_LBUTTON, At(x, y)); }
+void MoveTo(HWND badge, int x, int y) { SendMessageW(badge, WM_MOUSEMOVE, MK_LBUTTON, At(x, y)); }
+void Release(HWND badge, int x, int y) { SendMessageW(badge, WM_LBUTTONUP, 0, At(x, y)); }
+void Click(HWND badge) {
+  Press(badge, 35, 35);
+  Release(badge, 35, 35);
+}
+// Drags the badge by its middle until its top-left corner would be at
+// (left, top) on the screen.
+void DragTo(HWND badge, int left, int top) {
+  const RECT now = WindowRectOf(badge);
+  Press(badge, 35, 35);
+  MoveTo(badge, left - now.left + 35, top - now.top + 35);
+  Release(badge, left - now.left + 35, top - now.top + 35);
+}
+
+// The active users panel for one viewer and no last modifier.
+constexpr int kPanelWidth = 400;
+constexpr int kPanelHeight = 250;
+
+class OverlayWindowProc : public testing::Test {
+ protected:
+  void SetUp() override {
+    AnswerFields answer = QuietAnswer();
+    AddViewers(answer, L"u-ann", L"Ann Lee");
+    path_ = host_.OpenAnswered(L"viewed", answer)->fullName();
+    Tick();
+    badge_ = BadgeOf(path_);
+    panel_ = PanelOf(path_);
+    ASSERT_NE(badge_, nullptr);
+    ASSERT_NE(panel_, nullptr);
+    ASSERT_TRUE(IsWindowVisible(panel_));
+    host_.ClearLog();
+  }
+
+  OverlayHost host_{SimHost::Word};
+  std::wstring path_;
+  HWND badge_ = nullptr;
+  HWND panel_ = nullptr;
+};
+
+TEST_F(OverlayWindowProc, AClickShowsTheClosedPanelAboveTheBadgeWithRightEdgesAligned) {
+  ShowWindow(panel_, SW_HIDE);
+  MoveWindow(panel_, 10, 10, kPanelWidth, kPanelHeight, TRUE);
+  Click(badge_);
+  EXPECT_TRUE(IsWindowVisible(panel_));
+  EXPECT_TRUE(RectIs(WindowRectOf(panel_), 870 - kPanelWidth, 650 - kPanelHeight, 870, 650));
+  EXPECT_EQ(PanelOf(path_), panel_);
+}
+
+TEST_F(OverlayWindowProc, TheNextClickHidesThePanelAndTheOneAfterPlacesItAgain) {
+  Click(badge_);
+  EXPECT_FALSE(IsWindowVisible(panel_));
+  DragTo(badge_, 600, 500);
+  Click(badge_);
+  EXPECT_TRUE(IsWindowVisible(panel_));
+  EXPECT_TRUE(RectIs(WindowRectOf(panel_), 670 - kPanelWidth, 500 - kPanelHeight, 670, 500));
+}
+
+TEST_F(OverlayWindowProc, ABadgeNearTheTopOfTheOfficeWindowOpensItsPanelBelow) {
+  Click(badge_);
+  DragTo(badge_, 800, 60);
+  Click(badge_);
+  EXPECT_TRUE(RectIs(WindowRectOf(panel_), 870 - kPanelWidth, 130, 870, 130 + kPanelHeight));
+}
+
+TEST_F(OverlayWindowProc, ABadgeNearTheLeftOfTheOfficeWindowAlignsThePanelsLeftEdgeWithIt) {
+  Click(badge_);
+  DragTo(badge_, 120, 500);
+  Click(badge_);
+  EXPECT_TRUE(RectIs(WindowRectOf(panel_), 120, 500 - kPanelHeight, 120 + kPanelWidth, 500));
+}
+
+TEST_F(OverlayWindowProc, ADragCentresTheBadgeOnTheCursorAndStoresItsPosition) {
+  Press(badge_, 35, 35);
+  MoveTo(badge_, 10, 20);
+  // The cursor is at (810, 670) on the screen; the badge's middle goes there.
+  EXPECT_TRUE(RectIs(WindowRectOf(badge_), 775, 635, 845, 705));
+  const FileStatusRecord record = host_.Record(path_);
+  EXPECT_EQ(record.posX, 775);
+  EXPECT_EQ(record.posY, 635);
+  EXPECT_EQ(record.buttonDown, 1u);
+  EXPECT_EQ(record.dragged, 1u);
+}
+
+TEST_F(OverlayWindowProc, ADragThatWouldCrossAnEdgeOfTheOfficeWindowDoesNotMoveTheBadgeAtAll) {
+  // Corners that would put the badge one pixel over each edge in turn, or
+  // exactly on it (the inside test is strict).
+  const POINT beyond[] = {{100, 300}, {99, 300}, {1100 - kBadgeSize, 300}, {500, 50}, {500, 750 - kBadgeSize}};
+  for (const POINT& corner : beyond) {
+    Press(badge_, 35, 35);
+    MoveTo(badge_, corner.x - 800 + 35, corner.y - 650 + 35);
+    EXPECT_TRUE(RectIs(WindowRectOf(badge_), 800, 650, 870, 720)) << corner.x << ", " << corner.y;
+    EXPECT_EQ(host_.Record(path_).posX, 800);
+    EXPECT_EQ(host_.Record(path_).posY, 650);
+    Release(badge_, 0, 0);
+  }
+}
+
+TEST_F(OverlayWindowProc, ADragEndsWithoutTogglingThePanel) {
+  DragTo(badge_, 700, 600);
+  EXPECT_TRUE(IsWindowVisible(panel_));
+  ShowWindow(panel_, SW_HIDE);
+  DragTo(badge_, 600, 600);
+  EXPECT_FALSE(IsWindowVisible(panel_));
+  const FileStatusRecord record = host_.Record(path_);
+  EXPECT_EQ(record.buttonDown, 0u);
+  EXPECT_EQ(record.dragged, 0u);
+  EXPECT_EQ(record.posX, 600);
+}
+
+TEST_F(OverlayWindowProc, AMoveWithoutAPressDoesNotDrag) {
+  MoveTo(badge_, 10, 20);
+  EXPECT_TRUE(RectIs(WindowRectOf(badge_), 800, 650, 870, 720));
+  EXPECT_EQ(host_.Record(path_).dragged, 0u);
+}
+
+TEST_F(OverlayWindowProc, APressCapturesTheMouseAndTheReleaseLetsItGo) {
+  Press(badge_, 35, 35);
+  EXPECT_EQ(GetCapture(), badge_);
+  const FileStatusRecord pressed = host_.Record(path_);
+  EXPECT_EQ(pressed.pressX, 835);
+  EXPECT_EQ(pressed.pressY, 685);
+  Release(badge_, 35, 35);
+  EXPECT_EQ(GetCapture(), nullptr);
+}
+
+TEST_F(OverlayWindowProc, TheCursorIsTheHandOverTheClientAreaAndTheArrowElsewhere) {
+  EXPECT_EQ(SendMessageW(badge_, WM_SETCURSOR, reinterpret_cast<WPARAM>(badge_), MAKELPARAM(HTCLIENT, WM_MOUSEMOVE)),
+            TRUE);
+  EXPECT_EQ(GetCursor(), LoadCursorW(nullptr, IDC_HAND));
+  EXPECT_EQ(SendMessageW(badge_, WM_SETCURSOR, reinterpret_cast<WPARAM>(badge_), MAKELPARAM(HTBORDER, WM_MOUSEMOVE)),
+            TRUE);
+  EXPECT_EQ(GetCursor(), LoadCursorW(nullptr, IDC_ARROW));
+}
+
+TEST_F(OverlayWindowProc, ABadgeDestroyedFromOutsideIsForgottenByItsRecordAtOnceWithItsPanel) {
+  DestroyWindow(badge_);
+  const FileStatusRecord record = host_.Record(path_);
+  EXPECT_EQ(record.badgeWindow, nullptr);
+  EXPECT_EQ(record.subOverlayWindow, nullptr);
+  EXPECT_FALSE(IsWindow(panel_));
+}
+
+TEST_F(OverlayWindowProc, APanelDestroyedFromOutsideIsForgottenByItsRecordAtOnce) {
+  DestroyWindow(panel_);
+  const FileStatusRecord record = host_.Record(path_);
+  EXPECT_EQ(record.subOverlayWindow, nullptr);
+  EXPECT_EQ(record.badgeWindow, badge_);
+}
+
+TEST_F(OverlayWindowProc, TheTickAfterTheBadgeWasDestroyedFromOutsideBuildsItAgain) {
+  DestroyWindow(badge_);
+  Tick();
+  ExpectBadgeAndPanel(path_, 8, L"Another user is viewing this file", true);
+}
+
+// "Hide", with the simulated sync app recording what it is sent.
+class HideOption : public OverlayWindowProc {
+ protected:
+  void SetUp() override {
+    OverlayWindowProc::SetUp();
+    record_ = FreshTempPath(L"syncsim-hide-requests.txt");
+    ASSERT_TRUE(syncSim_.Start(L"--record " + Quoted(record_)));
+  }
+  void TearDown() override { syncSim_.Stop(); }
+
+  void PressHide() {
+    const HWND button = ChildWithId(panel_, 3014);
+    ASSERT_NE(button, nullptr);
+    SendMessageW(panel_, WM_COMMAND, MAKEWPARAM(3014, BN_CLICKED), reinterpret_cast<LPARAM>(button));
+  }
+
+  SyncSimProcess syncSim_;
+  std::wstring record_;
+};
+
+TEST_F(HideOption, TakesBothWindowsAwayAtOnceAndMarksTheRecord) {
+  host_.ChangeRecord(path_, [](FileStatusRecord& record) { record.retryDelete = 1; });
+  PressHide();
+  EXPECT_FALSE(IsWindow(badge_));
+  EXPECT_FALSE(IsWindow(panel_));
+  const FileStatusRecord record = host_.Record(path_);
+  EXPECT_EQ(record.uiHide, 1u);
+  EXPECT_EQ(record.overlayKind, 0);
+  EXPECT_EQ(record.badgeWindow, nullptr);
+  EXPECT_EQ(record.subOverlayWindow, nullptr);
+  EXPECT_EQ(record.retryDelete, 0u);
+  EXPECT_EQ(InfoMessages(), std::vector<std::string>{"user clicked hide option: " + Narrow(path_)});
+}
+
+TEST_F(HideOption, AClickOnTheHideButtonItselfTakesBothWindowsAway) {
+  const HWND button = ChildWithId(panel_, 3014);
+  ASSERT_NE(button, nullptr);
+  // The button tells its panel from inside its own click handling, and the
+  // panel (with the button) is gone before that handling returns.
+  SendMessageW(button, BM_CLICK, 0, 0);
+  EXPECT_FALSE(IsWindow(badge_));
+  EXPECT_FALSE(IsWindow(panel_));
+  EXPECT_EQ(host_.Record(path_).uiHide, 1u);
+}
+
+TEST_F(HideOption, TellsTheSyncAppAtOnceWithUiHideBetweenRetryDeleteAndTheFileId) {
+  PressHide();
+  ASSERT_EQ(syncSim_.Stop(), 0u);
+  EXPECT_EQ(ReadFileBytes(record_),
+            "{\"files\":[{\"filepath\":\"" + Narrow(path_) +
+                "\",\"isOpen\":true,\"isEditing\":false,\"resolveConflict\":false,\"retryModify\":false,"
+                "\"retryRenameOrMove\":false,\"retryDelete\":false,\"uiHide\":true,\"file_combo_id\":\"f-1001\","
+                "\"officeApp\":\"1\"}]}\n");
+}
+
+TEST_F(HideOption, KeepsTheBadgeAwayOnLaterTicksWhileUiHideIsSet) {
+  PressHide();
+  AnswerFields answer = QuietAnswer();
+  answer.is_download_present = L"Downloaded";
+  Answer(path_, answer);
+  Ticks(3);
+  ExpectNothingShown(path_);
+  EXPECT_EQ(host_.Record(path_).uiHide, 1u);
+}
+}  // namespace

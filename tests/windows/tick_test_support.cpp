@@ -1,0 +1,201 @@
+#include "tests/windows/tick_test_support.h"
+
+#include <algorithm>
+
+#include "addin/document_handlers.h"
+#include "common/module_instance.h"
+#include "overlay/custom_ui_updater.h"
+#include "overlay/overlay_windows.h"
+#include "overlay/ui_toolkit.h"
+#include "overlay/window_class_names.h"
+#include "overlay/window_classes.h"
+
+void StartOverlayUiOnce() {
+  static bool started = false;
+  if (started) return;
+  started = true;
+  InitUiToolkit();
+  for (const OverlayWindowClass& windowClass : kOverlayWindowClasses) {
+    RegisterOverlayWindowClass(ModuleInstance(), windowClass.name);
+  }
+}
+
+void PlaceWindow(HWND window, const RECT& rect) {
+  SetWindowPos(window, HWND_TOP, rect.left, rect.top, rect.right - rect.left, rect.bottom - rect.top,
+               SWP_SHOWWINDOW | SWP_NOACTIVATE);
+}
+
+void Tick() { UpdateCustomUI(RecordDocument); }
+
+void Ticks(int count) {
+  for (int i = 0; i < count; ++i) Tick();
+}
+
+void PumpMessages() {
+  MSG message;
+  while (PeekMessageW(&message, nullptr, 0, 0, PM_REMOVE)) {
+    TranslateMessage(&message);
+    DispatchMessageW(&message);
+  }
+}
+
+AnswerFields QuietAnswer() {
+  AnswerFields answer;
+  answer.is_sync_file = 1;
+  answer.file_combo_id = L"f-1001";
+  answer.is_internet_connected = 1;
+  answer.is_loading_data_from_server = 0;
+  answer.is_download_present = L"Already Up-to-date";
+  return answer;
+}
+
+void AddViewers(AnswerFields& answer, const std::wstring& quids, const std::wstring& names) {
+  answer.all_viewers_quid = quids;
+  answer.all_viewers_names = names;
+}
+
+void AddEditors(AnswerFields& answer, const std::wstring& quids, const std::wstring& names) {
+  answer.all_editors_quid = quids;
+  answer.all_editors_names = names;
+}
+
+void Answer(const std::wstring& path, const AnswerFields& answer) {
+  AnswerFields named = answer;
+  named.file_path = path;
+  TheFileStatusCache().UpdateFile(path, named);
+}
+
+std::wstring ClassNameOf(HWND window) {
+  wchar_t name[256] = {};
+  GetClassNameW(window, name, 256);
+  return name;
+}
+
+RECT WindowRectOf(HWND window) {
+  RECT rect{-1, -1, -1, -1};
+  GetWindowRect(window, &rect);
+  return rect;
+}
+
+HWND OwnerOf(HWND window) { return GetWindow(window, GW_OWNER); }
+
+namespace {
+BOOL CALLBACK CollectChild(HWND child, LPARAM list) {
+  reinterpret_cast<std::vector<HWND>*>(list)->push_back(child);
+  return TRUE;
+}
+std::vector<HWND> Descendants(HWND window) {
+  std::vector<HWND> children;
+  if (window != nullptr) EnumChildWindows(window, CollectChild, reinterpret_cast<LPARAM>(&children));
+  return children;
+}
+}  // namespace
+
+std::vector<std::wstring> ChildTexts(HWND window) {
+  std::vector<std::wstring> texts;
+  for (HWND child : Descendants(window)) {
+    wchar_t text[1024] = {};
+    GetWindowTextW(child, text, 1024);
+    texts.emplace_back(text);
+  }
+  return texts;
+}
+
+bool HasChildText(HWND window, const std::wstring& text) {
+  const std::vector<std::wstring> texts = ChildTexts(window);
+  return std::find(texts.begin(), texts.end(), text) != texts.end();
+}
+
+HWND ChildWithId(HWND window, int id) {
+  for (HWND child : Descendants(window)) {
+    if (GetDlgCtrlID(child) == id) return child;
+  }
+  return nullptr;
+}
+
+std::vector<std::string> InfoMessages() {
+  std::vector<std::string> messages;
+  for (const LogLine& line : InProcessHost::Log()) {
+    if (line.level == "I") messages.push_back(line.message);
+  }
+  return messages;
+}
+
+size_t CountOf(const std::vector<std::string>& messages, const std::string& message) {
+  return static_cast<size_t>(std::count(messages.begin(), messages.end(), message));
+}
+
+testing::AssertionResult RectIs(const RECT& actual, long left, long top, long right, long bottom) {
+  if (actual.left == left && actual.top == top && actual.right == right && actual.bottom == bottom) {
+    return testing::AssertionSuccess();
+  }
+  return testing::AssertionFailure() << "rectangle (" << actual.left << ", " << actual.top << ", " << actual.right
+                                     << ", " << actual.bottom << "), expected (" << left << ", " << top << ", "
+                                     << right << ", " << bottom << ")";
+}
+
+OverlayHost::OverlayHost(SimHost host, const RECT& office) : InProcessHost(host) {
+  StartOverlayUiOnce();
+  PlaceWindow(mainWindow(), office);
+  TheFileStatusCache().syncAppHasData = true;
+}
+
+OverlayHost::~OverlayHost() {
+  for (const std::wstring& path : CachedPaths()) DestroyRecordOverlays(path);
+  TheFileStatusCache().syncAppHasData = true;
+  PumpMessages();
+}
+
+SimDocument* OverlayHost::OpenRecorded(const std::wstring& baseName) {
+  SimDocument* document = Open(baseName + DocumentExtension(host()));
+  if (document != nullptr) RecordDocument(ComPtr<IDispatch>(document));
+  return document;
+}
+
+SimDocument* OverlayHost::OpenAnswered(const std::wstring& baseName, const AnswerFields& answer) {
+  SimDocument* document = OpenRecorded(baseName);
+  if (document != nullptr) Answer(document->fullName(), answer);
+  return document;
+}
+
+HWND BadgeOf(const std::wstring& path) {
+  const std::optional<FileStatusRecord> record = TheFileStatusCache().Find(path);
+  return record ? record->badgeWindow : nullptr;
+}
+
+HWND PanelOf(const std::wstring& path) {
+  const std::optional<FileStatusRecord> record = TheFileStatusCache().Find(path);
+  return record ? record->subOverlayWindow : nullptr;
+}
+
+int KindOf(const std::wstring& path) {
+  const std::optional<FileStatusRecord> record = TheFileStatusCache().Find(path);
+  return record ? record->overlayKind : -1;
+}
+
+void ExpectBadgeAndPanel(const std::wstring& path, int kind, const std::wstring& panelText, bool panelVisible,
+                         POINT at, Caller caller) {
+  TRACE_CALLER(caller);
+  const std::optional<FileStatusRecord> record = TheFileStatusCache().Find(path);
+  ASSERT_TRUE(record.has_value()) << Narrow(path);
+  EXPECT_EQ(record->overlayKind, kind);
+  ASSERT_NE(record->badgeWindow, nullptr);
+  EXPECT_EQ(ClassNameOf(record->badgeWindow), L"QelvoFilewellSync-MSOfficeAddin-MainUI");
+  EXPECT_TRUE(IsWindowVisible(record->badgeWindow));
+  EXPECT_TRUE(RectIs(WindowRectOf(record->badgeWindow), at.x, at.y, at.x + kBadgeSize, at.y + kBadgeSize));
+  EXPECT_EQ(record->posX, at.x);
+  EXPECT_EQ(record->posY, at.y);
+  ASSERT_NE(record->subOverlayWindow, nullptr);
+  EXPECT_EQ(OwnerOf(record->subOverlayWindow), record->badgeWindow);
+  EXPECT_TRUE(HasChildText(record->subOverlayWindow, panelText)) << Narrow(panelText);
+  EXPECT_EQ(IsWindowVisible(record->subOverlayWindow) != FALSE, panelVisible);
+}
+
+void ExpectNothingShown(const std::wstring& path, Caller caller) {
+  TRACE_CALLER(caller);
+  const std::optional<FileStatusRecord> record = TheFileStatusCache().Find(path);
+  ASSERT_TRUE(record.has_value()) << Narrow(path);
+  EXPECT_EQ(record->overlayKind, 0);
+  EXPECT_EQ(record->badgeWindow, nullptr);
+  EXPECT_EQ(record->subOverlayWindow, nullptr);
+}
