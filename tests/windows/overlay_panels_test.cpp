@@ -682,6 +682,24 @@ TEST_F(Panels, KeepsTheBodyFontForLaterPanelsOnceAPanelWithALinkIsDestroyed) {
             Describe(description));
 }
 
+TEST_F(Panels, RoundsEachPaintedButtonWithinItsWholeWindow) {
+  // The rounded region is in window coordinates: it must be the window's
+  // size, border included, for the bordered second choice as for the first.
+  const UniqueOverlay panel(CreateConfirmLeavePanel(OfficeWindow(), badge, true, false, true, false, false));
+  ASSERT_TRUE(panel);
+  ShowWindow(panel.get(), SW_SHOWNA);
+  RedrawWindow(panel.get(), nullptr, nullptr, RDW_INVALIDATE | RDW_UPDATENOW | RDW_ALLCHILDREN);
+  for (const int id : {3004, 3005}) {
+    const HWND button = GetDlgItem(panel.get(), id);
+    ASSERT_NE(nullptr, button) << id;
+    const UniqueResource<GdiObjectTraits<HRGN>> region(CreateRectRgn(0, 0, 0, 0));
+    ASSERT_EQ(COMPLEXREGION, GetWindowRgn(button, region.get())) << id;
+    const UniqueResource<GdiObjectTraits<HRGN>> rounded(CreateRoundRectRgn(0, 0, 180, 40, 10, 10));
+    const UniqueResource<GdiObjectTraits<HRGN>> difference(CreateRectRgn(0, 0, 0, 0));
+    EXPECT_EQ(NULLREGION, CombineRgn(difference.get(), region.get(), rounded.get(), RGN_XOR)) << id;
+  }
+}
+
 TEST_F(Panels, BuildsNoConfirmationWhenNoSituationIsGiven) {
   EXPECT_EQ(nullptr, CreateConfirmLeavePanel(OfficeWindow(), badge, true, false, false, false, false));
 }
