@@ -714,4 +714,65 @@ TEST_F(Panels, ScrollsAListOfNineMembersOverTheirFourHundredNinetyFivePixels) {
   EXPECT_EQ(L"Viewing now", lastStatus.text);
   EXPECT_EQ(495, lastStatus.y + lastStatus.height);
 }
+
+// --- A step that fails ---
+
+// The system's text for an error, as the log writes it after the dash.
+std::string SystemText(DWORD error) {
+  wchar_t buffer[512];
+  DWORD length = FormatMessageW(FORMAT_MESSAGE_FROM_SYSTEM | FORMAT_MESSAGE_IGNORE_INSERTS, nullptr, error,
+                                MAKELANGID(LANG_NEUTRAL, SUBLANG_DEFAULT), buffer, 512, nullptr);
+  while (length > 0 && (buffer[length - 1] == L'\r' || buffer[length - 1] == L'\n' || buffer[length - 1] == L' ')) {
+    --length;
+  }
+  return Utf8(std::wstring(buffer, length));
+}
+
+// A window handle that names no window.
+const HWND kGone = reinterpret_cast<HWND>(static_cast<INT_PTR>(0x7ff0));
+
+struct FailingStep {
+  std::string name;
+  std::function<HWND(HWND office, HWND badge)> build;
+  std::string officeRectText;
+  std::string badgeRectText;
+};
+
+class PanelWithoutItsWindows : public Panels, public testing::WithParamInterface<FailingStep> {};
+
+TEST_P(PanelWithoutItsWindows, GivesNoPanelAndOneLineWhenTheOfficeWindowIsGone) {
+  ASSERT_FALSE(IsWindow(kGone));
+  EXPECT_EQ(nullptr, GetParam().build(kGone, badge));
+  EXPECT_EQ(std::vector<std::string>{GetParam().officeRectText + SystemText(ERROR_INVALID_WINDOW_HANDLE)},
+            ErrorLines());
+}
+
+TEST_P(PanelWithoutItsWindows, GivesNoPanelAndOneLineWhenTheBadgeIsGone) {
+  EXPECT_EQ(nullptr, GetParam().build(OfficeWindow(), kGone));
+  EXPECT_EQ(std::vector<std::string>{GetParam().badgeRectText + SystemText(ERROR_INVALID_WINDOW_HANDLE)}, ErrorLines());
+}
+
+FailingStep Failing(std::string name, std::function<HWND(HWND, HWND)> build, const std::string& what) {
+  return {std::move(name), std::move(build), "couldn't get ms office window rect while creating " + what + " - ",
+          "couldn't get parent window rect while creating " + what + " - "};
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Every, PanelWithoutItsWindows,
+    testing::Values(
+        Failing("SafeToEdit", [](HWND o, HWND b) { return CreateSafeToEditPanel(o, b, L"", L"", L""); },
+                "safe to edit sub overlay UI"),
+        Failing("ActiveUsers", [](HWND o, HWND b) { return CreateActiveUsersPanel(o, b, L"", L"", L"", kBob, {}); },
+                "active users sub overlay UI"),
+        Failing("Download", [](HWND o, HWND b) { return CreateDownloadPanel(o, b, L"", L"", L"", false, false); },
+                "download sub overlay UI"),
+        Failing("Conflict", [](HWND o, HWND b) { return CreateConflictPanel(o, b); }, "conflict sub overlay UI"),
+        Failing("Delete", [](HWND o, HWND b) { return CreateDeletePanel(o, b); }, "delete sub overlay UI"),
+        Failing("Error", [](HWND o, HWND b) { return CreateErrorMessagePanel(o, b, true); }, "error msg sub overlay UI"),
+        Failing("RenameMove", [](HWND o, HWND b) { return CreateRenameMovePanel(o, b, true, false, L"a", L"b"); },
+                "rename/move sub overlay UI"),
+        Failing("ConfirmLeave",
+                [](HWND o, HWND b) { return CreateConfirmLeavePanel(o, b, false, true, false, false, false); },
+                "confirm leave file UI")),
+    [](const testing::TestParamInfo<FailingStep>& info) { return info.param.name; });
 }  // namespace

@@ -201,4 +201,40 @@ TEST_F(StatusOverlays, ShowsTheLoadingStripWithoutTakingActivationFromOffice) {
   ASSERT_TRUE(strip);
   EXPECT_EQ(OfficeWindow(), GetActiveWindow());
 }
+
+// --- A creation that fails ---
+
+std::string SystemText(DWORD error) {
+  wchar_t buffer[512];
+  DWORD length = FormatMessageW(FORMAT_MESSAGE_FROM_SYSTEM | FORMAT_MESSAGE_IGNORE_INSERTS, nullptr, error,
+                                MAKELANGID(LANG_NEUTRAL, SUBLANG_DEFAULT), buffer, 512, nullptr);
+  while (length > 0 && (buffer[length - 1] == L'\r' || buffer[length - 1] == L'\n' || buffer[length - 1] == L' ')) {
+    --length;
+  }
+  return Utf8(std::wstring(buffer, length));
+}
+
+// An owner that names no window: Windows refuses to create the overlay.
+const HWND kGone = reinterpret_cast<HWND>(static_cast<INT_PTR>(0x7ff0));
+
+TEST_F(StatusOverlays, GivesNoBadgeAndOneLineWhenTheWindowCannotBeCreated) {
+  ASSERT_FALSE(IsWindow(kGone));
+  EXPECT_EQ(nullptr, CreateMainOverlay(kGone, at_.x, at_.y));
+  EXPECT_EQ(std::vector<std::string>{"couldn't create main overlay UI - " + SystemText(ERROR_INVALID_WINDOW_HANDLE)},
+            ErrorLines());
+}
+
+TEST_F(StatusOverlays, GivesNoNoInternetStripAndOneLineWhenTheWindowCannotBeCreated) {
+  EXPECT_EQ(nullptr, CreateNoInternetOverlay(kGone, drive_, at_.x, at_.y));
+  EXPECT_EQ(std::vector<std::string>{"couldn't create no internet main overlay UI - " +
+                                     SystemText(ERROR_INVALID_WINDOW_HANDLE)},
+            ErrorLines());
+}
+
+TEST_F(StatusOverlays, GivesNoLoadingStripAndOneLineWhenTheWindowCannotBeCreated) {
+  EXPECT_EQ(nullptr, CreateLoadingOverlay(kGone, drive_, at_.x, at_.y));
+  EXPECT_EQ(
+      std::vector<std::string>{"couldn't create loading main overlay UI - " + SystemText(ERROR_INVALID_WINDOW_HANDLE)},
+      ErrorLines());
+}
 }  // namespace
