@@ -268,4 +268,24 @@ TEST_F(OverlayOnScreen, AlignsAPanelWithTheLeftEdgeOfABadgeNearTheLeftOfTheOffic
   EXPECT_EQ(kWhite, picture.At(left + 1, bottom - 1));
   EXPECT_EQ(kOffice, picture.At(left - 1, bottom));
 }
+
+TEST_F(OverlayOnScreen, ShowsTheBadgeItsPanelAndTheStripsOverTheWholeOfficeWindow) {
+  // The scene a user would see, kept whole: the badge at home with its
+  // safe-to-edit panel open, the loading and no-internet strips elsewhere.
+  const RECT office = WindowRectOf(OfficeWindow());
+  const UniqueOverlay badge = BadgeShowing(Installed(L"drive_tick.png"), BadgeHome());
+  const UniqueOverlay panel(CreateSafeToEditPanel(OfficeWindow(), badge.get(), L"u-ann42", L"Ann Lee", L"today"));
+  ASSERT_TRUE(panel);
+  ShowWindow(panel.get(), SW_SHOWNA);
+  const UniqueOverlay loading(
+      CreateLoadingOverlay(OfficeWindow(), SharedImage(kDriveMonoBigImage), office.left + 100, office.top + 100));
+  const UniqueOverlay offline(
+      CreateNoInternetOverlay(OfficeWindow(), SharedImage(kDriveMonoBigImage), office.left + 100, office.top + 200));
+  const Pixels picture = ScreenshotOf(office, L"office-window-scene");
+  const RECT badgeRect = WindowRectOf(badge.get());
+  EXPECT_EQ(kOffice, picture.At(badgeRect.left - office.left, badgeRect.bottom - 1 - office.top));
+  EXPECT_EQ(kWhite, picture.At(badgeRect.left + 35 - office.left, badgeRect.top + 35 - office.top));
+  EXPECT_EQ(kStripBlue, picture.At(100, 100));
+  EXPECT_EQ(Border(), picture.At(100, 200));
+}
 }  // namespace
