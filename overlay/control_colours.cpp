@@ -56,9 +56,12 @@ void GiveRoundedCorners(HWND control) {
   RECT box{};
   // Once only: a new region makes the control paint again.
   if (GetWindowRgnBox(control, &box) != ERROR) return;
-  RECT size{};
-  GetClientRect(control, &size);
-  UniqueHrgn region(CreateRoundRectRgn(0, 0, size.right, size.bottom, 10, 10));
+  // A window region is in window coordinates, so it takes the window's own
+  // size: the client size would cut the right and bottom lines off a
+  // bordered button.
+  RECT place{};
+  GetWindowRect(control, &place);
+  UniqueHrgn region(CreateRoundRectRgn(0, 0, place.right - place.left, place.bottom - place.top, 10, 10));
   if (!region) {
     LogLastError(L"couldn't create rounded rect rgn for control");
     return;

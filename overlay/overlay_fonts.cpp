@@ -2,6 +2,8 @@
 
 #include <map>
 
+#include "overlay/control_styles.h"
+
 HFONT OverlayFont(FontRole role) {
   if (role == FontRole::None) return nullptr;
   // UI thread only. Kept, never deleted: a font made per panel or per
@@ -14,4 +16,17 @@ HFONT OverlayFont(FontRole role) {
                        OUT_DEFAULT_PRECIS, CLIP_DEFAULT_PRECIS, DEFAULT_QUALITY, DEFAULT_PITCH, nullptr);
   }
   return font;
+}
+
+void TakeOverlayFontsOutOfLinks(HWND window) {
+  EnumChildWindows(
+      window,
+      [](HWND child, LPARAM) -> BOOL {
+        wchar_t name[16] = {};
+        if (GetClassNameW(child, name, 16) > 0 && lstrcmpiW(name, kSysLinkClass) == 0) {
+          SendMessageW(child, WM_SETFONT, 0, FALSE);
+        }
+        return TRUE;
+      },
+      0);
 }

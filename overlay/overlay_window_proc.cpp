@@ -11,6 +11,7 @@
 #include "log/log_last_error.h"
 #include "log/write_log.h"
 #include "overlay/control_colours.h"
+#include "overlay/overlay_fonts.h"
 #include "overlay/overlay_geometry.h"
 #include "overlay/panel_bitmaps.h"
 #include "overlay/panel_commands.h"
@@ -44,6 +45,7 @@ void GiveActivationBack(const FileStatusRecord& record) {
 LRESULT OnDestroy(HWND window) {
   WriteLog(LogLevel::Debug, L"                    WM_DESTROY");
   TakeBitmapsOutOfControls(window);
+  TakeOverlayFontsOutOfLinks(window);
   if (const std::optional<Owner> owner = OwnerOf(window, Role::Panel)) {
     GiveActivationBack(owner->record);
     WriteLog(LogLevel::Debug, L"WM_DESTROY suboverlay wnd is not active now");

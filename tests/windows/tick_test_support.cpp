@@ -71,12 +71,6 @@ std::wstring ClassNameOf(HWND window) {
   return name;
 }
 
-RECT WindowRectOf(HWND window) {
-  RECT rect{-1, -1, -1, -1};
-  GetWindowRect(window, &rect);
-  return rect;
-}
-
 HWND OwnerOf(HWND window) { return GetWindow(window, GW_OWNER); }
 
 namespace {

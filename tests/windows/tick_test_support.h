@@ -49,9 +49,8 @@ void AddEditors(AnswerFields& answer, const std::wstring& quids, const std::wstr
 // (clearing overlayUpToDate when anything changed).
 void Answer(const std::wstring& path, const AnswerFields& answer);
 
-// The window's class name, its rectangle, its owner.
+// The window's class name, its owner.
 std::wstring ClassNameOf(HWND window);
-RECT WindowRectOf(HWND window);
 HWND OwnerOf(HWND window);
 // The texts of all the window's descendants, depth first.
 std::vector<std::wstring> ChildTexts(HWND window);

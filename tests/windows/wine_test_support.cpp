@@ -180,3 +180,9 @@ HRESULT InstallAddinForUser(bool install) {
   FreeLibrary(module);
   return hr;
 }
+
+RECT WindowRectOf(HWND window) {
+  RECT rect{-1, -1, -1, -1};
+  GetWindowRect(window, &rect);
+  return rect;
+}

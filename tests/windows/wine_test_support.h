@@ -48,6 +48,10 @@ ProcessResult RunProcess(const std::wstring& commandLine, DWORD timeoutMs = 6000
 
 std::string Narrow(const std::wstring& text);
 
+// A window's rectangle in screen coordinates; -1 everywhere when the
+// window is gone.
+RECT WindowRectOf(HWND window);
+
 // One log line taken apart: "[stamp] HOST pid=N L THREAD - message".
 struct LogLine {
   std::string stamp, host, pid, level, thread, message;
