@@ -14,6 +14,11 @@ mkdir -p "$out"
 "$root/tests/windows/prepare-prefix.sh" "$bin" >/dev/null
 export WINEPREFIX="$QSYNC_WINEPREFIX" WINEDEBUG=-all
 wine_run() { "$root/tests/windows/wine-run.sh" "$@"; }
+# The tests keep Wine from raising each window it activates itself (with no
+# window manager under Xvfb that saves them a wait at every hide); the demo
+# lets the X server keep the overlays above the Office window that owns
+# them, as Windows does, so the screenshots show what a user sees.
+wine_run reg add 'HKCU\Software\Wine\X11 Driver' /v Managed /t REG_SZ /d Y /f >/dev/null 2>&1
 winpath() { echo "Z:${1//\//\\}"; }
 
 user_dir="$(ls -d "$WINEPREFIX"/drive_c/users/*/AppData/Roaming | grep -v Public | head -1)"

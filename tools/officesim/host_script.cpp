@@ -89,6 +89,8 @@ bool RunHostScript(const std::vector<std::wstring>& lines, SimApplication& appli
       unsigned long timeoutMs = 0;
       words >> timeoutMs;
       if (!WaitForText(RestOfLine(words), timeoutMs)) return Fail(line, "text did not appear in time");
+    } else if (command == L"windows") {
+      PrintWindows();
     } else if (command == L"report") {
       application.PrintReferences();
     } else if (command == L"open-close-many") {

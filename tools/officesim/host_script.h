@@ -29,6 +29,7 @@ void PumpMessages(unsigned long milliseconds);
 //   click-button <caption>     press the visible button (or tick the box) with that caption
 //   click-at <x> <y>           a left click at that point of the screen
 //   wait-for-text <ms> <text>  let the host run until a visible window shows that text
+//   windows                    print the host's top-level windows (the overlays included)
 //   report                     print the references add-ins hold on documents
 //   # ...                      a comment
 bool RunHostScript(const std::vector<std::wstring>& lines, SimApplication& application);

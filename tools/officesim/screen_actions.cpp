@@ -12,7 +12,10 @@ using std::min;
 
 #include <vector>
 
+#include <cstdio>
+
 #include "common/gdi_guards.h"
+#include "common/text.h"
 #include "tools/officesim/host_script.h"
 
 namespace {
@@ -111,6 +114,23 @@ bool ClickAt(int x, int y) {
   SendMessageW(window, WM_LBUTTONDOWN, MK_LBUTTON, where);
   SendMessageW(window, WM_LBUTTONUP, 0, where);
   return true;
+}
+
+void PrintWindows() {
+  EnumThreadWindows(
+      GetCurrentThreadId(),
+      [](HWND window, LPARAM) {
+        wchar_t className[128] = {};
+        GetClassNameW(window, className, 128);
+        RECT place{};
+        GetWindowRect(window, &place);
+        std::printf("officesim: window %p %s \"%s\" at %ld,%ld %ldx%ld %s owner %p\n", static_cast<void*>(window),
+                    ToUtf8(className).c_str(), ToUtf8(TextOf(window)).c_str(), place.left, place.top,
+                    place.right - place.left, place.bottom - place.top, IsWindowVisible(window) ? "visible" : "hidden",
+                    static_cast<void*>(GetWindow(window, GW_OWNER)));
+        return TRUE;
+      },
+      0);
 }
 
 bool WaitForText(const std::wstring& text, unsigned long timeoutMs) {

@@ -17,6 +17,10 @@ bool ClickButton(const std::wstring& caption);
 // own client coordinates; false when no window of ours is there.
 bool ClickAt(int x, int y);
 
+// Prints every top-level window of this thread: class, text, place, whether
+// it is visible, and its owner (the add-in's badge and panels included).
+void PrintWindows();
+
 // Pumps messages until a visible window of this thread shows exactly this
 // text, or the time is up; false on time-out.
 bool WaitForText(const std::wstring& text, unsigned long timeoutMs);
