@@ -86,8 +86,12 @@ void Reload(const Pressed& pressed) {
   DestroyOverlayWindows(panel, none);
   if (HasUnsavedChanges(pressed.record.document)) {
     Info(L"download ask save copy or not UI shown: ", pressed);
+    // The question stays until the user answers it: the tick leaves the
+    // reload confirmation alone while reloadPromptPlain is set for a user
+    // who chose the separate copy, and while reloadPromptAskSave is set for
+    // one who did not.
     Store(pressed, [](FileStatusRecord& record) {
-      record.reloadPromptPlain = 0;
+      record.reloadPromptPlain = record.saveSeparateCopy != 0 ? 1 : 0;
       record.reloadPromptAskSave = 1;
     });
     ReplacePanel(pressed, CreateConfirmLeavePanel(pressed.record.hostWindow, pressed.record.badgeWindow, true, false,
