@@ -36,7 +36,7 @@ std::wstring ExpectedRequest(const std::wstring& path, const RequestFields& fiel
                       Flag(fields.resolveConflict) + L",\"retryModify\":" + Flag(fields.retryModify) +
                       L",\"retryRenameOrMove\":" + Flag(fields.retryRenameOrMove) + L",\"retryDelete\":false,";
   if (fields.withUiHide) text += L"\"uiHide\":" + Flag(fields.uiHide) + L",";
-  text += std::wstring(L"\"file_combo_id\":\"") + kFileComboId + L"\",\"officeApp\":\"" +
+  text += std::wstring(L"\"file_combo_id\":\"") + fields.fileComboId + L"\",\"officeApp\":\"" +
           std::to_wstring(static_cast<int>(AddinHostOf(host))) + L"\"}]}";
   return text;
 }

@@ -19,8 +19,11 @@
 #include "tests/windows/in_process_host.h"
 #include "tests/windows/sync_sim_process.h"
 
+// The id every scenario of these tests gives its files.
+inline constexpr wchar_t kFileComboId[] = L"k3v9x";
+
 // The fields of one request's file object that a flow changes; the rest
-// are the fixed ones of a synced file that the scenario gave an id.
+// are the fixed ones of a synced file.
 struct RequestFields {
   bool isOpen = true;
   bool isEditing = false;
@@ -30,10 +33,9 @@ struct RequestFields {
   // Only the hide request carries uiHide.
   bool withUiHide = false;
   bool uiHide = false;
+  // Empty in the first request, before the sync app has given the id.
+  const wchar_t* fileComboId = kFileComboId;
 };
-
-// The id every scenario of these tests gives its files.
-inline constexpr wchar_t kFileComboId[] = L"k3v9x";
 
 // The request for one file, as the add-in builds it for `host`.
 std::wstring ExpectedRequest(const std::wstring& path, const RequestFields& fields, SimHost host);
