@@ -56,6 +56,21 @@ void DestroyBadge(const Pressed& pressed) {
   DestroyOverlayWindows(none, badge);
 }
 
+// Closes the document for a sync action. The flag (retryModify,
+// resolveConflict or retryRenameOrMove) is set first, so that the close's
+// own request carries it and the close handler takes the close as ours. A
+// close that does not happen (a save that failed, a presentation that
+// cannot ask about its changes, a host that refused) leaves the document
+// open, perhaps with the user's changes in it: the flag then goes again, or
+// the next cycle would tell the sync app the user accepted the action, and
+// the user's own later close of the modified file would pass for ours.
+bool CloseForSyncAction(const Pressed& pressed, CloseMode mode, std::uint32_t FileStatusRecord::*flag) {
+  Store(pressed, [&](FileStatusRecord& record) { record.*flag = 1; });
+  if (CloseFile(pressed.record.document, mode)) return true;
+  Store(pressed, [&](FileStatusRecord& record) { record.*flag = 0; });
+  return false;
+}
+
 // 3001: the user wants the newer version; the panel says "Downloading..."
 // until the sync app has it.
 void Download(const Pressed& pressed) {
@@ -86,8 +101,12 @@ void Reload(const Pressed& pressed) {
   DestroyOverlayWindows(panel, none);
   if (HasUnsavedChanges(pressed.record.document)) {
     Info(L"download ask save copy or not UI shown: ", pressed);
+    // The question stays until the user answers it: the tick leaves the
+    // reload confirmation alone while reloadPromptPlain is set for a user
+    // who chose the separate copy, and while reloadPromptAskSave is set for
+    // one who did not.
     Store(pressed, [](FileStatusRecord& record) {
-      record.reloadPromptPlain = 0;
+      record.reloadPromptPlain = record.saveSeparateCopy != 0 ? 1 : 0;
       record.reloadPromptAskSave = 1;
     });
     ReplacePanel(pressed, CreateConfirmLeavePanel(pressed.record.hostWindow, pressed.record.badgeWindow, true, false,
@@ -96,14 +115,13 @@ void Reload(const Pressed& pressed) {
   }
   Info(L"download reload file in progress: ", pressed);
   DestroyBadge(pressed);
-  // Set before the close: the close's own request tells the sync app the
-  // user wants the web version.
   Store(pressed, [](FileStatusRecord& record) {
-    record.retryModify = 1;
     record.reloadPromptPlain = 0;
     record.reloadPromptAskSave = 0;
   });
-  CloseFile(pressed.record.document, CloseMode::CloseLettingTheHostAsk);
+  // The close's own request tells the sync app the user wants the web
+  // version.
+  CloseForSyncAction(pressed, CloseMode::CloseLettingTheHostAsk, &FileStatusRecord::retryModify);
   if (Cache().Contains(pressed.path) && HasUnsavedChanges(pressed.record.document)) {
     // The host's own save question is still open: the user kept the file.
     Info(L"download ask save copy or not UI shown: ", pressed);
@@ -138,8 +156,7 @@ void SaveCopyAndReload(const Pressed& pressed) {
 // 3005: reload and let the changes go.
 void DiscardAndReload(const Pressed& pressed) {
   Info(L"download with discard changes in progress: ", pressed);
-  Store(pressed, [](FileStatusRecord& record) { record.retryModify = 1; });
-  CloseFile(pressed.record.document, CloseMode::CloseWithoutSaving);
+  CloseForSyncAction(pressed, CloseMode::CloseWithoutSaving, &FileStatusRecord::retryModify);
 }
 
 // 3006 and 3010: the confirmation, asking about unsaved changes when there
@@ -174,8 +191,7 @@ void AskBeforeFollowing(const Pressed& pressed) {
 // resolve-conflict window.
 void ResolveConflict(const Pressed& pressed, CloseMode mode) {
   if (mode == CloseMode::CloseLettingTheHostAsk) Info(L"need to open resolve conflict window: ", pressed);
-  Store(pressed, [](FileStatusRecord& record) { record.resolveConflict = 1; });
-  CloseFile(pressed.record.document, mode);
+  CloseForSyncAction(pressed, mode, &FileStatusRecord::resolveConflict);
   WriteLog(LogLevel::Info, mode == CloseMode::CloseLettingTheHostAsk ? L"resolve conflict continue completed"
                                                                       : L"resolve conflict save/discard completed");
 }
@@ -184,8 +200,7 @@ void ResolveConflict(const Pressed& pressed, CloseMode mode) {
 void FollowRenameOrMove(const Pressed& pressed) {
   HasUnsavedChanges(pressed.record.document);
   Info(L"retry rename/move: ", pressed);
-  Store(pressed, [](FileStatusRecord& record) { record.retryRenameOrMove = 1; });
-  CloseFile(pressed.record.document, CloseMode::CloseLettingTheHostAsk);
+  CloseForSyncAction(pressed, CloseMode::CloseLettingTheHostAsk, &FileStatusRecord::retryRenameOrMove);
   WriteLog(LogLevel::Info, L"rename/move continue completed");
 }
 
@@ -196,11 +211,11 @@ void FollowRenameOrMoveSaving(const Pressed& pressed, bool save) {
   HWND panel = pressed.panel;
   HWND none = nullptr;
   DestroyOverlayWindows(panel, none);
-  Store(pressed, [](FileStatusRecord& record) { record.retryRenameOrMove = 1; });
   if (save && IsReadOnly(pressed.record.document)) {
     Info(L"read-only file: ", pressed);
     ShowErrorPanel(pressed, true);
-  } else if (!CloseFile(pressed.record.document, save ? CloseMode::SaveThenClose : CloseMode::CloseWithoutSaving)) {
+  } else if (!CloseForSyncAction(pressed, save ? CloseMode::SaveThenClose : CloseMode::CloseWithoutSaving,
+                                 &FileStatusRecord::retryRenameOrMove)) {
     const std::optional<FileStatusRecord> now = Cache().Find(pressed.path);
     if (now && !now->skipNextUpdate) ShowErrorPanel(pressed, false);
   }

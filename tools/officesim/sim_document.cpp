@@ -120,6 +120,10 @@ HRESULT SimDocument::SaveCopyAsMember(const std::vector<VARIANT*>& args) {
   const size_t allowed = host_ == SimHost::Word ? 17 : host_ == SimHost::Excel ? 1 : 3;
   if (args.size() > allowed) return DISP_E_BADPARAMCOUNT;
   const std::wstring target = StringArgument(args[0]);
+  if (failSaveCopies_) {
+    std::printf("officesim: %s could not save a copy as %s\n", ToUtf8(name_).c_str(), ToUtf8(target).c_str());
+    return DISP_E_EXCEPTION;
+  }
   if (target.empty() || !CopyFileW(fullName_.c_str(), target.c_str(), FALSE)) {
     // A never-saved document has nothing on disk yet: write what it holds.
     if (target.empty() || !WriteWholeFile(target, "copy\n")) return DISP_E_EXCEPTION;

@@ -27,6 +27,10 @@ class SimDocument : public SimDispatch {
   }
   void SetReadOnly(bool readOnly) { readOnly_ = readOnly; }
   void SetFailingSaves(bool failing) { failSaves_ = failing; }
+  // Plays a copy that cannot be written (a full disk, a folder the user
+  // may not write to): SaveCopyAs fails as Office's does, with
+  // DISP_E_EXCEPTION, and writes nothing.
+  void SetFailingSaveCopies(bool failing) { failSaveCopies_ = failing; }
   IDispatch* window() const { return window_; }
   // Word: the handle its document window reports (the main window until set).
   void SetWindowHandle(HWND window) { windowHandle_ = window; }
@@ -51,6 +55,7 @@ class SimDocument : public SimDispatch {
   long savedTriState_ = -1;
   bool readOnly_ = false;
   bool failSaves_ = false;
+  bool failSaveCopies_ = false;
   int saveCount_ = 0;
   SimDispatch* window_ = nullptr;  // Word's document window
   HWND windowHandle_ = nullptr;

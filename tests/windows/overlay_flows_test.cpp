@@ -1,0 +1,849 @@
+// Every way through the badge's panels, end to end, in Word, Excel and
+// PowerPoint: the sync app reports what happened to the file on the web,
+// the UI tick shows it, the user presses the panel's buttons, and the
+// document actions close, save, copy or keep the document. Each test checks
+// what the sync app received (the bytes of the requests that carry the
+// user's choice), what became of the document in the host and on disk,
+// and the add-in's log.
+#include <windows.h>
+#include <commctrl.h>
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <regex>
+
+#include "common/text.h"
+#include "tests/windows/flow_test_support.h"
+
+namespace {
+// The sync app's side of each story, after the lines of a synced file.
+// A newer version on the web that the sync app is fetching, and has once it
+// was asked a second time.
+const wchar_t kNewVersionOnTheWeb[] =
+    L"set is_download_present=Downloading\n"
+    L"after 1\n"
+    L"set is_download_present=Downloaded\n"
+    L"when retryModify\n"
+    L"set is_download_present=Already Up-to-date\n";
+const wchar_t kConflict[] =
+    L"set is_conflict_present=true\n"
+    L"when resolveConflict\n"
+    L"set is_conflict_present=false\n";
+const wchar_t kDeleted[] = L"set is_delete_present=true\n";
+const wchar_t kViewedByBo[] =
+    L"set all_viewers_quid=u1bo\n"
+    L"set all_viewers_names=Bo Chan\n";
+
+std::wstring Renamed(const std::wstring& previous, const std::wstring& next) {
+  return L"set is_rename_present=true\nset src=" + previous + L"\nset dest=" + next +
+         L"\nwhen retryRenameOrMove\nset is_rename_present=false\n";
+}
+std::wstring Moved(const std::wstring& from, const std::wstring& to, bool closeFirst) {
+  return L"set is_move_present=true\nset src=" + from + L"\nset dest=" + to + L"\n" +
+         (closeFirst ? L"set is_folder_move_present=true\n" : L"") +
+         L"when retryRenameOrMove\nset is_move_present=false\n";
+}
+
+const char kOriginalContent[] = "content\n";
+const char kSavedOnce[] = "saved 1 times\n";
+
+class PanelFlow : public testing::TestWithParam<SimHost> {
+ protected:
+  SimHost host() const { return GetParam(); }
+  bool hostQuitsWithItsLastDocument() const { return host() != SimHost::PowerPoint; }
+  std::wstring Named(const wchar_t* base) const { return base + DocumentExtension(host()); }
+
+  // The user opens a synced file whose story the sync app tells; the sync
+  // app is asked once and the tick shows what it said.
+  SimDocument* OpenSynced(const wchar_t* base, const std::wstring& story, bool edited, Caller caller = {}) {
+    TRACE_CALLER(caller);
+    name_ = Named(base);
+    path_ = flow_.PathOf(name_);
+    EXPECT_TRUE(flow_.StartSyncApp(SyncedFileScenario(path_) + story));
+    SimDocument* document = flow_.Open(name_);
+    EXPECT_NE(document, nullptr);
+    if (document != nullptr && edited) document->MarkEdited();
+    flow_.CycleAndTick();
+    return document;
+  }
+
+  HWND Panel() const { return OfficeFlow::PanelOf(path_); }
+  HWND Badge() const { return OfficeFlow::BadgeOf(path_); }
+  FileStatusRecord Record() const { return InProcessHost::Record(path_); }
+  std::string P() const { return Narrow(path_); }
+  std::string OnDisk() const { return ReadFileBytes(path_); }
+
+  // The panel on screen shows this text in one of its controls.
+  static bool Shows(HWND panel, const std::wstring& text) {
+    for (const PanelChild& child : PanelChildrenOf(panel)) {
+      if (child.text == text) return true;
+    }
+    return false;
+  }
+  static std::wstring TextOf(HWND panel, int id) { return WindowTextOf(GetDlgItem(panel, id)); }
+
+  // The panel that is on screen now, with these buttons.
+  void ExpectPanelOnScreen(HWND panel, const std::vector<int>& buttons, Caller caller = {}) {
+    TRACE_CALLER(caller);
+    ASSERT_NE(panel, nullptr);
+    EXPECT_TRUE(IsWindowVisible(panel)) << DescribePanel(panel);
+    EXPECT_TRUE(IsWindowVisible(Badge()));
+    EXPECT_EQ(ButtonIdsOf(panel), buttons) << DescribePanel(panel);
+  }
+
+  // The last request the sync app received, byte for byte.
+  void ExpectLastRequest(const RequestFields& fields, Caller caller = {}) {
+    TRACE_CALLER(caller);
+    const std::vector<std::string> raw = flow_.RawRequests();
+    ASSERT_FALSE(raw.empty());
+    const std::wstring expected = ExpectedRequest(path_, fields, host());
+    EXPECT_EQ(raw.back(), MessageBytes(expected)) << "received: " << Narrow(flow_.Requests().back())
+                                                  << "\nexpected: " << Narrow(expected);
+  }
+
+  // The add-in closed the document: the host no longer has it, the cache
+  // forgot it and no window of it is left.
+  void ExpectClosedAndForgotten(HWND panel, HWND badge, Caller caller = {}) {
+    TRACE_CALLER(caller);
+    EXPECT_FALSE(IsOpenInHost(flow_, path_));
+    EXPECT_FALSE(TheFileStatusCache().Contains(path_));
+    EXPECT_FALSE(IsWindow(panel));
+    EXPECT_FALSE(IsWindow(badge));
+  }
+
+  // The document is still open with the user's unsaved changes in it, and
+  // still known to the add-in.
+  void ExpectStillOpenWithTheUsersChanges(SimDocument* document, Caller caller = {}) {
+    TRACE_CALLER(caller);
+    EXPECT_EQ(flow_.app().FindDocument(path_), document);
+    EXPECT_FALSE(document->saved());
+    EXPECT_TRUE(TheFileStatusCache().Contains(path_));
+    EXPECT_EQ(OnDisk(), kOriginalContent);
+  }
+
+  OfficeFlow flow_{GetParam()};
+  std::wstring name_;
+  std::wstring path_;
+};
+
+// --- Download ---------------------------------------------------------------
+
+TEST_P(PanelFlow, DownloadWithoutUnsavedChangesReloadsTheNewVersion) {
+  SimDocument* document = OpenSynced(L"report", kNewVersionOnTheWeb, false);
+  ASSERT_NE(document, nullptr);
+  HWND offer = Panel();
+  ExpectPanelOnScreen(offer, {3001});
+  EXPECT_TRUE(Shows(offer, L"This file has been modified"));
+  EXPECT_TRUE(Shows(offer, L"Bo Chan"));
+  EXPECT_TRUE(Shows(offer, L"Modified on 2026-11-23 09:41"));
+  EXPECT_EQ(TextOf(offer, 3001), L"Download latest version");
+  EXPECT_EQ(GetDlgItem(offer, 4001), nullptr);
+  EXPECT_EQ(Record().overlayKind, 7);
+  EXPECT_TRUE(ContainsInOrder(flow_.Messages(), {"download: " + P()}));
+
+  flow_.ClearLog();
+  flow_.Press(offer, 3001);
+  HWND downloading = Panel();
+  EXPECT_FALSE(IsWindow(offer));
+  ExpectPanelOnScreen(downloading, {3002});
+  EXPECT_EQ(TextOf(downloading, 3002), L"Downloading...");
+  // The marquee runs along the bottom edge: 7 high, the panel's width, its
+  // top 7 above the panel's height.
+  HWND bar = ChildOfClass(downloading, L"msctls_progress32");
+  ASSERT_NE(bar, nullptr) << DescribePanel(downloading);
+  EXPECT_NE(GetWindowLongPtrW(bar, GWL_STYLE) & PBS_MARQUEE, 0);
+  RECT barRect{};
+  GetWindowRect(bar, &barRect);
+  MapWindowPoints(nullptr, downloading, reinterpret_cast<POINT*>(&barRect), 2);
+  const SIZE panelSize = WindowSizeOf(downloading);
+  EXPECT_EQ(barRect.left, 0);
+  EXPECT_EQ(barRect.top, panelSize.cy - 7);
+  EXPECT_EQ(barRect.right - barRect.left, panelSize.cx);
+  EXPECT_EQ(barRect.bottom - barRect.top, 7);
+  EXPECT_EQ(Record().downloadRequested, 1u);
+  EXPECT_EQ(flow_.Messages(),
+            (std::vector<std::string>{"download button clicked: " + P(),
+                                      "download - user not editing - so save separate copy checkbox not available: " +
+                                          P()}));
+
+  flow_.CycleAndTick();  // the sync app has it now
+  HWND reload = Panel();
+  EXPECT_FALSE(IsWindow(downloading));
+  ExpectPanelOnScreen(reload, {3003});
+  EXPECT_EQ(TextOf(reload, 3003), L"Reload");
+  EXPECT_TRUE(Shows(reload, L"To load the latest version of this file, click \"Reload\"."));
+  EXPECT_EQ(WindowSizeOf(reload).cy, 155);
+
+  HWND badge = Badge();
+  flow_.ClearLog();
+  flow_.Press(reload, 3003);
+  ExpectClosedAndForgotten(reload, badge);
+  EXPECT_EQ(OnDisk(), kOriginalContent);
+  EXPECT_EQ(flow_.app().quitRequested(), hostQuitsWithItsLastDocument());
+  EXPECT_EQ(flow_.Messages(), (std::vector<std::string>{"download reload button clicked: " + P(),
+                                                         "download reload file in progress: " + P(),
+                                                         "going to close file", "close file - " + P(),
+                                                         "file info removed from cache - " + P(),
+                                                         "download reload completed"}));
+  // Two cycles, then the close, which tells the sync app the user wants the
+  // web version.
+  RequestFields first;
+  first.fileComboId = L"";
+  RequestFields closed;
+  closed.isOpen = false;
+  closed.retryModify = true;
+  EXPECT_EQ(flow_.Requests(), (std::vector<std::wstring>{ExpectedRequest(path_, first, host()),
+                                                          ExpectedRequest(path_, {}, host()),
+                                                          ExpectedRequest(path_, closed, host())}));
+  ExpectLastRequest(closed);
+}
+
+TEST_P(PanelFlow, DownloadWithUnsavedChangesKeepsThemInASeparateCopyNextToTheDocument) {
+  SimDocument* document = OpenSynced(L"report", kNewVersionOnTheWeb, true);
+  ASSERT_NE(document, nullptr);
+  HWND offer = Panel();
+  ExpectPanelOnScreen(offer, {4001, 3001});
+  EXPECT_EQ(TextOf(offer, 4001), L"Save my changes as a separate copy");
+  EXPECT_EQ(WindowSizeOf(offer).cy, 215);
+
+  flow_.ClearLog();
+  flow_.Check(offer, 4001);
+  flow_.Press(offer, 3001);
+  EXPECT_EQ(flow_.Messages(), (std::vector<std::string>{"download button clicked: " + P(),
+                                                         "download - save separate copy checkbox checked: " + P()}));
+  EXPECT_EQ(Record().saveSeparateCopy, 1u);
+  ExpectPanelOnScreen(Panel(), {3002});
+
+  // The user chose the copy already: the confirmation only says "Reload".
+  flow_.CycleAndTick();
+  HWND reload = Panel();
+  ExpectPanelOnScreen(reload, {3003});
+  flow_.ClearLog();
+  flow_.Press(reload, 3003);
+  HWND ask = Panel();
+  ExpectPanelOnScreen(ask, {3004, 3005});
+  EXPECT_EQ(TextOf(ask, 3004), L"Save a copy & Reload");
+  EXPECT_EQ(TextOf(ask, 3005), L"Discard & Reload");
+  EXPECT_EQ(flow_.Messages(), (std::vector<std::string>{"download reload button clicked: " + P(),
+                                                         "download ask save copy or not UI shown: " + P()}));
+  ExpectStillOpenWithTheUsersChanges(document);
+
+  // The user takes a moment over it; the question stays.
+  flow_.CycleAndTick();
+  EXPECT_EQ(Panel(), ask);
+  ExpectPanelOnScreen(Panel(), {3004, 3005});
+  ask = Panel();
+
+  // The copy holds the changes; asked by the host, the user lets the
+  // document's own changes go.
+  flow_.app().SetPromptAnswer(SimApplication::PromptAnswer::Discard);
+  HWND badge = Badge();
+  flow_.ClearLog();
+  const std::string before = CopyStampNow();
+  flow_.Press(ask, 3004);
+  const std::string after = CopyStampNow();
+
+  std::vector<std::wstring> files = FilesIn(flow_.host().folder());
+  ASSERT_EQ(files.size(), 2u);
+  files.erase(std::remove(files.begin(), files.end(), name_), files.end());
+  ASSERT_EQ(files.size(), 1u);
+  const std::string copy = Narrow(files[0]);
+  wchar_t user[257] = {};
+  DWORD userLength = 257;
+  ASSERT_TRUE(GetUserNameW(user, &userLength));
+  const std::regex shape("report \\(" + Narrow(user) +
+                         R"( (\d{4}-\d{2}-\d{2} \d{2}\.\d{2}\.\d{2}\.\d{3})\))" +
+                         Narrow(DocumentExtension(host())).replace(0, 1, "\\."));
+  std::smatch stamp;
+  ASSERT_TRUE(std::regex_match(copy, stamp, shape)) << copy;
+  EXPECT_LE(before, stamp[1].str());
+  EXPECT_GE(after, stamp[1].str());
+  const std::string copyPath = Narrow(flow_.host().folder()) + "\\" + copy;
+
+  // The request says the user wants the web version, before the close.
+  RequestFields chosen;
+  chosen.isEditing = true;
+  chosen.retryModify = true;
+  ExpectLastRequest(chosen);
+  EXPECT_EQ(flow_.Requests().size(), 4u);
+  EXPECT_FALSE(TheFileStatusCache().Contains(path_));
+  EXPECT_FALSE(IsWindow(ask));
+  EXPECT_FALSE(IsWindow(badge));
+  EXPECT_EQ(OnDisk(), kOriginalContent);
+  if (host() == SimHost::PowerPoint) {
+    // PowerPoint's Close cannot ask: the presentation stays open, the
+    // user's changes in it.
+    EXPECT_EQ(flow_.app().FindDocument(path_), document);
+    EXPECT_FALSE(document->saved());
+    EXPECT_EQ(flow_.Messages(),
+              (std::vector<std::string>{
+                  "download with save copy button clicked: " + P(), "download with save copy in progress: " + P(),
+                  "separate copy saving", "separate copy saved successfully: " + copyPath,
+                  "file info removed from cache - " + P(), "going to close file",
+                  "we didn't close file since file has unsaved changes (during PromptToSaveChanges)",
+                  "download with save copy completed"}));
+  } else {
+    EXPECT_FALSE(IsOpenInHost(flow_, path_));
+    EXPECT_TRUE(flow_.app().quitRequested());
+    EXPECT_EQ(flow_.Messages(),
+              (std::vector<std::string>{
+                  "download with save copy button clicked: " + P(), "download with save copy in progress: " + P(),
+                  "separate copy saving", "separate copy saved successfully: " + copyPath,
+                  "file info removed from cache - " + P(), "going to close file",
+                  "close file - file info not available in cache - " + P(), "download with save copy completed"}));
+  }
+}
+
+TEST_P(PanelFlow, DownloadWithUnsavedChangesLetsThemGoWhenTheUserDiscardsThem) {
+  SimDocument* document = OpenSynced(L"report", kNewVersionOnTheWeb, true);
+  ASSERT_NE(document, nullptr);
+  flow_.ClearLog();
+  flow_.Press(Panel(), 3001);
+  EXPECT_EQ(flow_.Messages(), (std::vector<std::string>{"download button clicked: " + P(),
+                                                         "download - save separate copy checkbox not checked: " + P()}));
+  EXPECT_EQ(Record().saveSeparateCopy, 0u);
+
+  flow_.CycleAndTick();
+  HWND ask = Panel();
+  ExpectPanelOnScreen(ask, {3004, 3005});
+  EXPECT_TRUE(Shows(ask, L"This file has unsaved changes. Do you want to save your changes as a separate copy before "
+                         L"reloading this file?"));
+  EXPECT_EQ(WindowSizeOf(ask).cy, 175);
+
+  HWND badge = Badge();
+  flow_.ClearLog();
+  flow_.Press(ask, 3005);
+  ExpectClosedAndForgotten(ask, badge);
+  EXPECT_EQ(OnDisk(), kOriginalContent);
+  EXPECT_EQ(FilesIn(flow_.host().folder()), std::vector<std::wstring>{name_});
+  EXPECT_EQ(flow_.Messages(), (std::vector<std::string>{"download with discard changes button clicked: " + P(),
+                                                         "download with discard changes in progress: " + P(),
+                                                         "going to close file",
+                                                         "we close this file to sync event - " + P(),
+                                                         "file info removed from cache - " + P()}));
+  RequestFields closed;
+  closed.isOpen = false;
+  closed.isEditing = true;
+  closed.retryModify = true;
+  ExpectLastRequest(closed);
+}
+
+// --- Conflict ---------------------------------------------------------------
+
+TEST_P(PanelFlow, ConflictResolvedWithContinueClosesTheFileForTheResolveWindow) {
+  SimDocument* document = OpenSynced(L"shared", kConflict, false);
+  ASSERT_NE(document, nullptr);
+  HWND conflict = Panel();
+  ExpectPanelOnScreen(conflict, {3006});
+  EXPECT_TRUE(Shows(conflict, L"File conflict occurred"));
+  EXPECT_EQ(TextOf(conflict, 3006), L"Resolve conflict");
+  EXPECT_EQ(Record().overlayKind, 6);
+
+  flow_.ClearLog();
+  flow_.Press(conflict, 3006);
+  HWND confirm = Panel();
+  ExpectPanelOnScreen(confirm, {3007});
+  EXPECT_TRUE(Shows(confirm, L"Filewell Sync will close this file and open the Resolve Conflict window."));
+  EXPECT_EQ(WindowSizeOf(confirm).cy, 130);
+  EXPECT_EQ(flow_.Messages(), (std::vector<std::string>{"resolve conflict button clicked: " + P(),
+                                                         "resolve conflict - Continue UI shown: " + P()}));
+
+  HWND badge = Badge();
+  flow_.ClearLog();
+  flow_.Press(confirm, 3007);
+  ExpectClosedAndForgotten(confirm, badge);
+  EXPECT_EQ(OnDisk(), kOriginalContent);
+  EXPECT_EQ(flow_.Messages(),
+            (std::vector<std::string>{"resolve conflict continue button clicked: " + P(),
+                                      "need to open resolve conflict window: " + P(), "going to close file",
+                                      "close file - " + P(), "file info removed from cache - " + P(),
+                                      "resolve conflict continue completed"}));
+  RequestFields closed;
+  closed.isOpen = false;
+  closed.resolveConflict = true;
+  ExpectLastRequest(closed);
+}
+
+TEST_P(PanelFlow, ConflictResolvedWithSaveSavesTheDocumentThenClosesIt) {
+  SimDocument* document = OpenSynced(L"shared", kConflict, true);
+  ASSERT_NE(document, nullptr);
+  flow_.ClearLog();
+  flow_.Press(Panel(), 3006);
+  HWND confirm = Panel();
+  ExpectPanelOnScreen(confirm, {3008, 3009});
+  EXPECT_EQ(TextOf(confirm, 3008), L"Save & Continue");
+  EXPECT_EQ(TextOf(confirm, 3009), L"Discard & Continue");
+  EXPECT_TRUE(Shows(confirm, L"Filewell Sync will close this file and open the Resolve Conflict window. Do you want "
+                             L"to save your changes before closing this file?"));
+  EXPECT_EQ(flow_.Messages(),
+            (std::vector<std::string>{"resolve conflict button clicked: " + P(),
+                                      "resolve conflict - ask whether to save changes or not UI shown: " + P()}));
+
+  HWND badge = Badge();
+  flow_.ClearLog();
+  flow_.Press(confirm, 3008);
+  ExpectClosedAndForgotten(confirm, badge);
+  EXPECT_EQ(OnDisk(), kSavedOnce);
+  EXPECT_EQ(flow_.Messages(), (std::vector<std::string>{"resolve conflict save button clicked: " + P(),
+                                                         "going to close file", "close file - " + P(),
+                                                         "file info removed from cache - " + P(),
+                                                         "resolve conflict save/discard completed"}));
+  RequestFields closed;
+  closed.isOpen = false;
+  closed.isEditing = true;  // as the last tick found it
+  closed.resolveConflict = true;
+  ExpectLastRequest(closed);
+}
+
+TEST_P(PanelFlow, ConflictResolvedWithDiscardClosesWithoutSaving) {
+  SimDocument* document = OpenSynced(L"shared", kConflict, true);
+  ASSERT_NE(document, nullptr);
+  flow_.Press(Panel(), 3006);
+  HWND confirm = Panel();
+  ExpectPanelOnScreen(confirm, {3008, 3009});
+
+  HWND badge = Badge();
+  flow_.ClearLog();
+  flow_.Press(confirm, 3009);
+  ExpectClosedAndForgotten(confirm, badge);
+  EXPECT_EQ(OnDisk(), kOriginalContent);
+  EXPECT_EQ(flow_.Messages(), (std::vector<std::string>{"resolve conflict discard button clicked: " + P(),
+                                                         "going to close file",
+                                                         "we close this file to sync event - " + P(),
+                                                         "file info removed from cache - " + P(),
+                                                         "resolve conflict save/discard completed"}));
+  RequestFields closed;
+  closed.isOpen = false;
+  closed.isEditing = true;
+  closed.resolveConflict = true;
+  ExpectLastRequest(closed);
+}
+
+// --- Rename and move --------------------------------------------------------
+
+TEST_P(PanelFlow, RenameFollowedWithReloadClosesTheFile) {
+  SimDocument* document = OpenSynced(L"draft", Renamed(Named(L"draft"), Named(L"final")), false);
+  ASSERT_NE(document, nullptr);
+  HWND renamed = Panel();
+  ExpectPanelOnScreen(renamed, {3010});
+  EXPECT_TRUE(Shows(renamed, L"This file has been renamed"));
+  EXPECT_TRUE(Shows(renamed, L"Previous file name"));
+  EXPECT_EQ(TextOf(renamed, 5001), Named(L"draft"));
+  EXPECT_EQ(TextOf(renamed, 5002), Named(L"final"));
+  EXPECT_EQ(TextOf(renamed, 3010), L"Reload");
+  EXPECT_EQ(WindowSizeOf(renamed).cy, 365);
+  EXPECT_EQ(Record().overlayKind, 5);
+
+  flow_.ClearLog();
+  flow_.Press(renamed, 3010);
+  HWND confirm = Panel();
+  ExpectPanelOnScreen(confirm, {3011});
+  EXPECT_EQ(TextOf(confirm, 3011), L"Continue");
+  EXPECT_TRUE(Shows(confirm, L"Click \"Continue\" to reload and sync the renamed file from the web to your computer."));
+  EXPECT_TRUE(Shows(confirm, L"This may take some time..."));
+  EXPECT_EQ(flow_.Messages(), (std::vector<std::string>{"rename/move button clicked: " + P(),
+                                                         "rename/move - Continue UI shown: " + P()}));
+
+  HWND badge = Badge();
+  flow_.ClearLog();
+  flow_.Press(confirm, 3011);
+  ExpectClosedAndForgotten(confirm, badge);
+  EXPECT_EQ(OnDisk(), kOriginalContent);
+  EXPECT_EQ(flow_.Messages(), (std::vector<std::string>{"rename/move continue button clicked: " + P(),
+                                                         "retry rename/move: " + P(), "going to close file",
+                                                         "close file - " + P(), "file info removed from cache - " + P(),
+                                                         "rename/move continue completed"}));
+  RequestFields closed;
+  closed.isOpen = false;
+  closed.retryRenameOrMove = true;
+  ExpectLastRequest(closed);
+}
+
+TEST_P(PanelFlow, MoveWithUnsavedChangesSavedSavesTheDocumentThenClosesIt) {
+  SimDocument* document =
+      OpenSynced(L"plan", Moved(L"C:\\Filewell\\Drafts", L"C:\\Filewell\\Projects\\2026", false), true);
+  ASSERT_NE(document, nullptr);
+  HWND moved = Panel();
+  ExpectPanelOnScreen(moved, {3010});
+  EXPECT_TRUE(Shows(moved, L"This file has been moved to a new location"));
+  EXPECT_TRUE(Shows(moved, L"From"));
+  EXPECT_TRUE(Shows(moved, L"To"));
+  EXPECT_EQ(TextOf(moved, 5001), L"C:\\Filewell\\Drafts");
+  EXPECT_EQ(TextOf(moved, 5002), L"C:\\Filewell\\Projects\\2026");
+
+  flow_.ClearLog();
+  flow_.Press(moved, 3010);
+  HWND confirm = Panel();
+  ExpectPanelOnScreen(confirm, {3012, 3013});
+  EXPECT_TRUE(Shows(confirm, L"This file has unsaved changes. Do you want to save your changes before reloading and "
+                             L"syncing the file from the new location on the web to your computer?"));
+  EXPECT_EQ(WindowSizeOf(confirm).cy, 185);
+  EXPECT_EQ(flow_.Messages(),
+            (std::vector<std::string>{"rename/move button clicked: " + P(),
+                                      "rename/move - ask whether to save changes or not UI shown: " + P()}));
+
+  HWND badge = Badge();
+  flow_.ClearLog();
+  flow_.Press(confirm, 3012);
+  ExpectClosedAndForgotten(confirm, badge);
+  EXPECT_EQ(OnDisk(), kSavedOnce);
+  EXPECT_EQ(flow_.Messages(), (std::vector<std::string>{"rename/move save button clicked: " + P(),
+                                                         "going to close file", "close file - " + P(),
+                                                         "file info removed from cache - " + P(),
+                                                         "rename/move save/discard completed"}));
+  RequestFields closed;
+  closed.isOpen = false;
+  closed.isEditing = true;
+  closed.retryRenameOrMove = true;
+  ExpectLastRequest(closed);
+}
+
+TEST_P(PanelFlow, RenameWithUnsavedChangesDiscardedClosesWithoutSaving) {
+  SimDocument* document = OpenSynced(L"draft", Renamed(Named(L"draft"), Named(L"final")), true);
+  ASSERT_NE(document, nullptr);
+  flow_.Press(Panel(), 3010);
+  HWND confirm = Panel();
+  ExpectPanelOnScreen(confirm, {3012, 3013});
+  EXPECT_TRUE(Shows(confirm, L"This file has unsaved changes. Do you want to save your changes before reloading and "
+                             L"syncing the renamed file from the web to your computer?"));
+
+  HWND badge = Badge();
+  flow_.ClearLog();
+  flow_.Press(confirm, 3013);
+  ExpectClosedAndForgotten(confirm, badge);
+  EXPECT_EQ(OnDisk(), kOriginalContent);
+  EXPECT_EQ(flow_.Messages(), (std::vector<std::string>{"rename/move discard button clicked: " + P(),
+                                                         "going to close file",
+                                                         "we close this file to sync event - " + P(),
+                                                         "file info removed from cache - " + P(),
+                                                         "rename/move save/discard completed"}));
+  RequestFields closed;
+  closed.isOpen = false;
+  closed.isEditing = true;
+  closed.retryRenameOrMove = true;
+  ExpectLastRequest(closed);
+}
+
+TEST_P(PanelFlow, AMoveThatMustCloseFirstAsksTheUserToCloseTheFile) {
+  SimDocument* document =
+      OpenSynced(L"plan", Moved(L"C:\\Filewell\\Drafts", L"C:\\Filewell\\Projects\\2026", true), false);
+  ASSERT_NE(document, nullptr);
+  HWND moved = Panel();
+  ExpectPanelOnScreen(moved, {});
+  EXPECT_TRUE(Shows(moved, L"This file has been moved to a new location"));
+  EXPECT_TRUE(Shows(moved, L"Please close this file so that we can sync the file from the new location on the web to "
+                           L"your computer."));
+  EXPECT_EQ(WindowSizeOf(moved).cy, 305);
+
+  HWND badge = Badge();
+  flow_.ClearLog();
+  ASSERT_TRUE(flow_.app().CloseDocument(document, SimApplication::SaveChoice::Prompt));
+  ExpectClosedAndForgotten(moved, badge);
+  EXPECT_EQ(flow_.Messages(),
+            (std::vector<std::string>{"close file - " + P(), "file info removed from cache - " + P()}));
+  RequestFields closed;
+  closed.isOpen = false;
+  ExpectLastRequest(closed);
+}
+
+// --- Delete -----------------------------------------------------------------
+
+TEST_P(PanelFlow, ADeletedFileAsksTheUserToCloseItAndItsCloseIsReported) {
+  SimDocument* document = OpenSynced(L"old", kDeleted, false);
+  ASSERT_NE(document, nullptr);
+  HWND deleted = Panel();
+  ExpectPanelOnScreen(deleted, {});
+  EXPECT_TRUE(Shows(deleted, L"This file has been deleted"));
+  EXPECT_TRUE(Shows(deleted, L"Please close this file so that we can delete it on your computer. This file will not "
+                             L"be available anymore."));
+  EXPECT_EQ(WindowSizeOf(deleted).cy, 175);
+  EXPECT_EQ(Record().overlayKind, 5);
+  EXPECT_TRUE(ContainsInOrder(flow_.Messages(), {"delete: " + P()}));
+
+  HWND badge = Badge();
+  flow_.ClearLog();
+  ASSERT_TRUE(flow_.app().CloseDocument(document, SimApplication::SaveChoice::Prompt));
+  ExpectClosedAndForgotten(deleted, badge);
+  EXPECT_EQ(flow_.Messages(),
+            (std::vector<std::string>{"close file - " + P(), "file info removed from cache - " + P()}));
+  RequestFields closed;
+  closed.isOpen = false;
+  ExpectLastRequest(closed);
+}
+
+// --- Hide -------------------------------------------------------------------
+
+TEST_P(PanelFlow, HideTakesBothWindowsAwayAndTellsTheSyncAppAtOnce) {
+  SimDocument* document = OpenSynced(L"notes", kViewedByBo, false);
+  ASSERT_NE(document, nullptr);
+  HWND viewers = Panel();
+  ExpectPanelOnScreen(viewers, {3014});
+  EXPECT_EQ(Record().overlayKind, 8);
+  HWND badge = Badge();
+
+  flow_.ClearLog();
+  flow_.Press(viewers, 3014);
+  EXPECT_FALSE(IsWindow(viewers));
+  EXPECT_FALSE(IsWindow(badge));
+  EXPECT_EQ(Record().uiHide, 1u);
+  EXPECT_EQ(Record().overlayKind, 0);
+  EXPECT_EQ(flow_.Messages(), std::vector<std::string>{"user clicked hide option: " + P()});
+  RequestFields hidden;
+  hidden.withUiHide = true;
+  hidden.uiHide = true;
+  ExpectLastRequest(hidden);
+
+  // It stays hidden.
+  flow_.CycleAndTick();
+  EXPECT_EQ(Panel(), nullptr);
+  EXPECT_EQ(Badge(), nullptr);
+  EXPECT_EQ(flow_.app().FindDocument(path_), document);
+}
+
+// --- The error panels -------------------------------------------------------
+
+TEST_P(PanelFlow, SavingAReadOnlyDocumentShowsWhyAndClosesNothing) {
+  name_ = Named(L"locked");
+  path_ = flow_.PathOf(name_);
+  ASSERT_TRUE(flow_.StartSyncApp(SyncedFileScenario(path_) + Renamed(name_, Named(L"final"))));
+  SimDocument* document = flow_.Open(name_, true);
+  ASSERT_NE(document, nullptr);
+  document->MarkEdited();
+  flow_.CycleAndTick();
+  flow_.Press(Panel(), 3010);
+  HWND confirm = Panel();
+  ExpectPanelOnScreen(confirm, {3012, 3013});
+
+  flow_.ClearLog();
+  flow_.Press(confirm, 3012);
+  HWND error = Panel();
+  EXPECT_FALSE(IsWindow(confirm));
+  ExpectPanelOnScreen(error, {});
+  EXPECT_EQ(WindowSizeOf(error).cx, 440);
+  EXPECT_EQ(WindowSizeOf(error).cy, 110);
+  EXPECT_TRUE(Shows(error, L"You can't make changes to this file, because the file has a read-only permission level."));
+  HWND link = ChildOfClass(error, L"SysLink");
+  ASSERT_NE(link, nullptr);
+  EXPECT_NE(WindowTextOf(link).find(L"/portal/kb/articles/team-folder-roles-and-permissions\">Learn more</a>"),
+            std::wstring::npos)
+      << Narrow(WindowTextOf(link));
+  EXPECT_EQ(flow_.Messages(), (std::vector<std::string>{"rename/move save button clicked: " + P(),
+                                                         "read-only file: " + P(),
+                                                         "rename/move save/discard completed"}));
+  ExpectStillOpenWithTheUsersChanges(document);
+  EXPECT_EQ(Record().skipNextUpdate, 1u);
+  // Nothing was sent besides the first cycle's request, and the next cycle
+  // does not say the user accepted the rename: the file is still open here.
+  EXPECT_EQ(flow_.Requests().size(), 1u);
+  flow_.Cycle();
+  RequestFields stillOpen;
+  stillOpen.isEditing = true;
+  ExpectLastRequest(stillOpen);
+
+  // The user's own close of the modified file is the user's, not ours: the
+  // host asks about the changes, and the user keeps the file open.
+  flow_.app().SetPromptAnswer(SimApplication::PromptAnswer::Cancel);
+  flow_.ClearLog();
+  EXPECT_FALSE(flow_.app().CloseDocument(document, SimApplication::SaveChoice::Prompt));
+  ExpectStillOpenWithTheUsersChanges(document);
+  if (host() != SimHost::PowerPoint) {  // PowerPoint tells add-ins only once it closes
+    EXPECT_EQ(flow_.Messages(),
+              std::vector<std::string>{"user tried to close file, but has unsaved changes - " + P()});
+  }
+}
+
+TEST_P(PanelFlow, ASaveThatFailsShowsTheSaveErrorAndClosesNothing) {
+  SimDocument* document = OpenSynced(L"plan", Moved(L"C:\\Filewell\\Drafts", L"C:\\Filewell\\Projects", false), true);
+  ASSERT_NE(document, nullptr);
+  document->SetFailingSaves(true);
+  flow_.Press(Panel(), 3010);
+  HWND confirm = Panel();
+  ExpectPanelOnScreen(confirm, {3012, 3013});
+
+  flow_.ClearLog();
+  flow_.Press(confirm, 3012);
+  HWND error = Panel();
+  EXPECT_FALSE(IsWindow(confirm));
+  ExpectPanelOnScreen(error, {});
+  EXPECT_EQ(WindowSizeOf(error).cx, 440);
+  EXPECT_EQ(WindowSizeOf(error).cy, 80);
+  EXPECT_TRUE(Shows(error, L"An error occurred while saving the file. Please ensure you have sufficient privileges and "
+                           L"try again."));
+  EXPECT_EQ(ChildOfClass(error, L"SysLink"), nullptr);
+  const char* notClosed = host() == SimHost::PowerPoint
+                              ? "we didn't close file since file has unsaved changes (during SaveChanges)"
+                              : "we didn't close file since file has unsaved changes";
+  EXPECT_EQ(flow_.Messages(), (std::vector<std::string>{"rename/move save button clicked: " + P(),
+                                                         "going to close file", notClosed,
+                                                         "rename/move save/discard completed"}));
+  ExpectStillOpenWithTheUsersChanges(document);
+  EXPECT_EQ(Record().skipNextUpdate, 1u);
+  EXPECT_EQ(flow_.Requests().size(), 1u);
+  flow_.Cycle();
+  RequestFields stillOpen;
+  stillOpen.isEditing = true;
+  ExpectLastRequest(stillOpen);
+}
+
+TEST_P(PanelFlow, AConflictSaveThatFailsKeepsTheDocumentOpenAndTheConflictUnresolved) {
+  SimDocument* document = OpenSynced(L"shared", kConflict, true);
+  ASSERT_NE(document, nullptr);
+  document->SetFailingSaves(true);
+  flow_.Press(Panel(), 3006);
+  HWND confirm = Panel();
+  ExpectPanelOnScreen(confirm, {3008, 3009});
+
+  flow_.ClearLog();
+  flow_.Press(confirm, 3008);
+  const char* notClosed = host() == SimHost::PowerPoint
+                              ? "we didn't close file since file has unsaved changes (during SaveChanges)"
+                              : "we didn't close file since file has unsaved changes";
+  EXPECT_EQ(flow_.Messages(), (std::vector<std::string>{"resolve conflict save button clicked: " + P(),
+                                                         "going to close file", notClosed,
+                                                         "resolve conflict save/discard completed"}));
+  ExpectStillOpenWithTheUsersChanges(document);
+  EXPECT_EQ(Record().resolveConflict, 0u);
+
+  // The sync app is not told to resolve a conflict of a file that is still
+  // open with unsaved changes; the user is asked again.
+  flow_.CycleAndTick();
+  RequestFields stillOpen;
+  stillOpen.isEditing = true;
+  ExpectLastRequest(stillOpen);
+  ExpectPanelOnScreen(Panel(), {3008, 3009});
+  ExpectStillOpenWithTheUsersChanges(document);
+}
+
+TEST_P(PanelFlow, ASeparateCopyThatCannotBeMadeShowsTheSaveErrorAndClosesNothing) {
+  SimDocument* document = OpenSynced(L"report", kNewVersionOnTheWeb, true);
+  ASSERT_NE(document, nullptr);
+  document->SetFailingSaveCopies(true);
+  flow_.Press(Panel(), 3001);
+  flow_.CycleAndTick();
+  HWND ask = Panel();
+  ExpectPanelOnScreen(ask, {3004, 3005});
+
+  flow_.ClearLog();
+  flow_.Press(ask, 3004);
+  HWND error = Panel();
+  EXPECT_FALSE(IsWindow(ask));
+  ExpectPanelOnScreen(error, {});
+  EXPECT_EQ(WindowSizeOf(error).cy, 80);
+  EXPECT_TRUE(Shows(error, L"An error occurred while saving the file. Please ensure you have sufficient privileges and "
+                           L"try again."));
+  const std::vector<std::string> messages = flow_.Messages();
+  ASSERT_EQ(messages.size(), 4u);
+  EXPECT_EQ(messages[0], "download with save copy button clicked: " + P());
+  EXPECT_EQ(messages[1], "download with save copy in progress: " + P());
+  EXPECT_EQ(messages[2], "separate copy saving");
+  EXPECT_EQ(messages[3].rfind("couldn't save separate copy: " + Narrow(flow_.host().folder()) + "\\report (", 0), 0u)
+      << messages[3];
+  ExpectStillOpenWithTheUsersChanges(document);
+  EXPECT_EQ(FilesIn(flow_.host().folder()), std::vector<std::wstring>{name_});
+  EXPECT_EQ(Record().retryModify, 0u);
+  EXPECT_EQ(Record().skipNextUpdate, 1u);
+  EXPECT_EQ(flow_.Requests().size(), 2u);
+}
+
+// --- The tick after an error panel ------------------------------------------
+
+TEST_P(PanelFlow, TheTickAfterTheSaveErrorLeavesItOnceAndTheNextAsksAgain) {
+  SimDocument* document = OpenSynced(L"plan", Moved(L"C:\\Filewell\\Drafts", L"C:\\Filewell\\Projects", false), true);
+  ASSERT_NE(document, nullptr);
+  document->SetFailingSaves(true);
+  flow_.Press(Panel(), 3010);
+  flow_.Press(Panel(), 3012);
+  HWND error = Panel();
+  ASSERT_EQ(WindowSizeOf(error).cy, 80);
+
+  flow_.CycleAndTick();
+  EXPECT_EQ(Panel(), error);
+  ExpectPanelOnScreen(error, {});
+  EXPECT_EQ(Record().skipNextUpdate, 0u);
+
+  flow_.CycleAndTick();
+  HWND again = Panel();
+  EXPECT_FALSE(IsWindow(error));
+  ExpectPanelOnScreen(again, {3012, 3013});
+  ExpectStillOpenWithTheUsersChanges(document);
+}
+
+TEST_P(PanelFlow, TheTickAfterTheCopyErrorLeavesItOnceAndTheNextAsksAgain) {
+  SimDocument* document = OpenSynced(L"report", kNewVersionOnTheWeb, true);
+  ASSERT_NE(document, nullptr);
+  document->SetFailingSaveCopies(true);
+  flow_.Press(Panel(), 3001);
+  flow_.CycleAndTick();
+  flow_.Press(Panel(), 3004);
+  HWND error = Panel();
+  ASSERT_EQ(WindowSizeOf(error).cy, 80);
+
+  flow_.CycleAndTick();
+  EXPECT_EQ(Panel(), error);
+  ExpectPanelOnScreen(error, {});
+
+  flow_.CycleAndTick();
+  HWND again = Panel();
+  EXPECT_FALSE(IsWindow(error));
+  ExpectPanelOnScreen(again, {3004, 3005});
+  ExpectStillOpenWithTheUsersChanges(document);
+}
+
+// --- The confirmations follow the unsaved state -----------------------------
+
+TEST_P(PanelFlow, TheConflictConfirmationAsksAboutChangesOnceThereAreSome) {
+  SimDocument* document = OpenSynced(L"shared", kConflict, false);
+  ASSERT_NE(document, nullptr);
+  flow_.Press(Panel(), 3006);
+  ExpectPanelOnScreen(Panel(), {3007});
+
+  document->MarkEdited();
+  flow_.Tick();
+  ExpectPanelOnScreen(Panel(), {3008, 3009});
+  EXPECT_EQ(Record().conflictAskShown, 1u);
+
+  ASSERT_TRUE(document->Save());
+  flow_.Tick();
+  ExpectPanelOnScreen(Panel(), {3007});
+  EXPECT_EQ(Record().conflictAskShown, 0u);
+}
+
+TEST_P(PanelFlow, TheRenameConfirmationAsksAboutChangesOnceThereAreSome) {
+  SimDocument* document = OpenSynced(L"draft", Renamed(Named(L"draft"), Named(L"final")), false);
+  ASSERT_NE(document, nullptr);
+  flow_.Press(Panel(), 3010);
+  ExpectPanelOnScreen(Panel(), {3011});
+
+  document->MarkEdited();
+  flow_.Tick();
+  ExpectPanelOnScreen(Panel(), {3012, 3013});
+  EXPECT_EQ(Record().renameMoveAskShown, 1u);
+
+  ASSERT_TRUE(document->Save());
+  flow_.Tick();
+  ExpectPanelOnScreen(Panel(), {3011});
+  EXPECT_EQ(Record().renameMoveAskShown, 0u);
+}
+
+TEST_P(PanelFlow, TheReloadConfirmationAsksAboutChangesOnceThereAreSome) {
+  SimDocument* document = OpenSynced(L"report", kNewVersionOnTheWeb, false);
+  ASSERT_NE(document, nullptr);
+  flow_.Press(Panel(), 3001);
+  flow_.CycleAndTick();
+  ExpectPanelOnScreen(Panel(), {3003});
+
+  document->MarkEdited();
+  flow_.Tick();
+  ExpectPanelOnScreen(Panel(), {3004, 3005});
+  EXPECT_EQ(Record().reloadPromptAskSave, 1u);
+
+  ASSERT_TRUE(document->Save());
+  flow_.Tick();
+  ExpectPanelOnScreen(Panel(), {3003});
+  EXPECT_EQ(Record().reloadPromptPlain, 1u);
+}
+
+INSTANTIATE_TEST_SUITE_P(EveryHost, PanelFlow, testing::Values(SimHost::Word, SimHost::Excel, SimHost::PowerPoint),
+                         HostParamName);
+}  // namespace
