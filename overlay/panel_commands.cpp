@@ -187,18 +187,46 @@ void AskBeforeFollowing(const Pressed& pressed) {
                                                 false, sync.is_rename_present != 0, sync.is_move_present != 0));
 }
 
+// "Continue" offers no choice about unsaved changes: it was shown while
+// there were none. Changes typed since then would meet the host's own save
+// question only after its before-close event has told the sync app the
+// file is closing; should the user cancel that question, the file would
+// stay open with edits the sync app thinks are gone. So the confirmation
+// asks about them first, as the tick would have on its next pass.
+bool AskAboutChangesMadeSince(const Pressed& pressed, bool conflict) {
+  if (!HasUnsavedChanges(pressed.record.document)) return false;
+  const SyncReport& sync = pressed.record.sync;
+  Store(pressed, [&](FileStatusRecord& record) {
+    (conflict ? record.conflictAskShown : record.renameMoveAskShown) = 1;
+  });
+  ReplacePanel(pressed, CreateConfirmLeavePanel(pressed.record.hostWindow, pressed.record.badgeWindow, true, conflict,
+                                                false, !conflict && sync.is_rename_present != 0,
+                                                !conflict && sync.is_move_present != 0));
+  return true;
+}
+
 // 3007, 3008, 3009: close the document so the sync app can open its
-// resolve-conflict window.
+// resolve-conflict window. A save that cannot be made shows why.
 void ResolveConflict(const Pressed& pressed, CloseMode mode) {
-  if (mode == CloseMode::CloseLettingTheHostAsk) Info(L"need to open resolve conflict window: ", pressed);
-  CloseForSyncAction(pressed, mode, &FileStatusRecord::resolveConflict);
+  if (mode == CloseMode::CloseLettingTheHostAsk) {
+    if (AskAboutChangesMadeSince(pressed, true)) return;
+    Info(L"need to open resolve conflict window: ", pressed);
+  }
+  if (!CloseForSyncAction(pressed, mode, &FileStatusRecord::resolveConflict) && mode == CloseMode::SaveThenClose) {
+    // Until the next tick asks again whether to save the changes.
+    ShowErrorPanel(pressed, false);
+    Store(pressed, [](FileStatusRecord& record) {
+      record.conflictAskShown = 0;
+      record.overlayUpToDate = 0;
+    });
+  }
   WriteLog(LogLevel::Info, mode == CloseMode::CloseLettingTheHostAsk ? L"resolve conflict continue completed"
                                                                       : L"resolve conflict save/discard completed");
 }
 
 // 3011: close the document so it is synced from its new name or place.
 void FollowRenameOrMove(const Pressed& pressed) {
-  HasUnsavedChanges(pressed.record.document);
+  if (AskAboutChangesMadeSince(pressed, false)) return;
   Info(L"retry rename/move: ", pressed);
   CloseForSyncAction(pressed, CloseMode::CloseLettingTheHostAsk, &FileStatusRecord::retryRenameOrMove);
   WriteLog(LogLevel::Info, L"rename/move continue completed");

@@ -17,7 +17,10 @@
 
 namespace {
 constexpr int kWarmUpRounds = 5;
-constexpr int kCountedRounds = 200;
+// Two hundred rounds of every flow in Word; Excel and PowerPoint, whose
+// flows differ only in the host's own calls, get fifty, which keeps the
+// whole test run inside its time.
+int CountedRounds(SimHost host) { return host == SimHost::Word ? 200 : 50; }
 
 // How one round goes after the tick that shows the file's story. Every
 // round ends with the document closed (by the add-in or, where the flow
@@ -181,9 +184,9 @@ class FlowRounds : public testing::TestWithParam<Param> {
   std::vector<SimDocument*> documents_;
 };
 
-TEST_P(FlowRounds, TwoHundredRoundsGiveBackEverythingTheyTake) {
+TEST_P(FlowRounds, ManyRoundsGiveBackEverythingTheyTake) {
   std::wstring scenario;
-  for (int round = 0; round < kWarmUpRounds + kCountedRounds; ++round) {
+  for (int round = 0; round < kWarmUpRounds + CountedRounds(host()); ++round) {
     scenario += SyncedFileScenario(office_.PathOf(NameOf(round))) + flow().story;
   }
   ASSERT_TRUE(office_.StartSyncApp(scenario));
@@ -197,12 +200,12 @@ TEST_P(FlowRounds, TwoHundredRoundsGiveBackEverythingTheyTake) {
   const long collectionReferences = office_.app().collection()->references();
 
   const ULONGLONG start = GetTickCount64();
-  for (int round = kWarmUpRounds; round < kWarmUpRounds + kCountedRounds; ++round) {
+  for (int round = kWarmUpRounds; round < kWarmUpRounds + CountedRounds(host()); ++round) {
     ASSERT_NO_FATAL_FAILURE(PlayRound(round));
   }
   OfficeFlow::Pump();
   const ResourceCounts after = CurrentResourceCounts();
-  std::printf("%d rounds of %s in %s took %llu ms; %s\n", kCountedRounds, flow().name, HostName(host()).c_str(),
+  std::printf("%d rounds of %s in %s took %llu ms; %s\n", CountedRounds(host()), flow().name, HostName(host()).c_str(),
               GetTickCount64() - start, Describe(after).c_str());
 
   EXPECT_EQ(after.handles, before.handles) << Describe(before) << " / " << Describe(after);

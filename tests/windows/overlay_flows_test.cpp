@@ -704,6 +704,10 @@ TEST_P(PanelFlow, AConflictSaveThatFailsKeepsTheDocumentOpenAndTheConflictUnreso
                                                          "resolve conflict save/discard completed"}));
   ExpectStillOpenWithTheUsersChanges(document);
   EXPECT_EQ(Record().resolveConflict, 0u);
+  HWND error = Panel();
+  ExpectPanelOnScreen(error, {});
+  EXPECT_TRUE(Shows(error, L"An error occurred while saving the file. Please ensure you have sufficient privileges "
+                           L"and try again."));
 
   // The sync app is not told to resolve a conflict of a file that is still
   // open with unsaved changes; the user is asked again.
@@ -807,6 +811,48 @@ TEST_P(PanelFlow, TheConflictConfirmationAsksAboutChangesOnceThereAreSome) {
   flow_.Tick();
   ExpectPanelOnScreen(Panel(), {3007});
   EXPECT_EQ(Record().conflictAskShown, 0u);
+}
+
+// "Continue" was offered while there were no unsaved changes. Changes typed
+// before the next tick would otherwise meet the host's save question only
+// after its before-close event had told the sync app the file was going:
+// the user is asked about them instead, and nothing closes.
+TEST_P(PanelFlow, ContinueOnAConflictAsksAboutChangesTypedSinceItWasOffered) {
+  SimDocument* document = OpenSynced(L"shared", kConflict, false);
+  ASSERT_NE(document, nullptr);
+  flow_.Press(Panel(), 3006);
+  HWND confirm = Panel();
+  ExpectPanelOnScreen(confirm, {3007});
+  const size_t requestsBefore = flow_.Requests().size();
+
+  document->MarkEdited();
+  flow_.ClearLog();
+  flow_.Press(confirm, 3007);
+  ExpectPanelOnScreen(Panel(), {3008, 3009});
+  EXPECT_EQ(Record().conflictAskShown, 1u);
+  EXPECT_EQ(Record().resolveConflict, 0u);
+  EXPECT_EQ(flow_.Messages(), std::vector<std::string>{"resolve conflict continue button clicked: " + P()});
+  ExpectStillOpenWithTheUsersChanges(document);
+  EXPECT_EQ(flow_.Requests().size(), requestsBefore);
+}
+
+TEST_P(PanelFlow, ContinueOnARenameAsksAboutChangesTypedSinceItWasOffered) {
+  SimDocument* document = OpenSynced(L"draft", Renamed(Named(L"draft"), Named(L"final")), false);
+  ASSERT_NE(document, nullptr);
+  flow_.Press(Panel(), 3010);
+  HWND confirm = Panel();
+  ExpectPanelOnScreen(confirm, {3011});
+  const size_t requestsBefore = flow_.Requests().size();
+
+  document->MarkEdited();
+  flow_.ClearLog();
+  flow_.Press(confirm, 3011);
+  ExpectPanelOnScreen(Panel(), {3012, 3013});
+  EXPECT_EQ(Record().renameMoveAskShown, 1u);
+  EXPECT_EQ(Record().retryRenameOrMove, 0u);
+  EXPECT_EQ(flow_.Messages(), std::vector<std::string>{"rename/move continue button clicked: " + P()});
+  ExpectStillOpenWithTheUsersChanges(document);
+  EXPECT_EQ(flow_.Requests().size(), requestsBefore);
 }
 
 TEST_P(PanelFlow, TheRenameConfirmationAsksAboutChangesOnceThereAreSome) {

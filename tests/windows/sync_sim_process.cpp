@@ -4,6 +4,19 @@
 #include "tests/windows/wine_test_support.h"
 
 testing::AssertionResult SyncSimProcess::Start(const std::wstring& arguments) {
+  // A syncsim stopped a moment ago may still hold the pipe while Windows
+  // takes its instances down; the new one then refuses to serve (exit code
+  // 3). And Wine now and then fails to create a process at all (1359) when
+  // many were created in a row. Either way it is simply started again.
+  testing::AssertionResult started = StartOnce(arguments);
+  for (int attempt = 1; attempt < 5 && !started && (ExitCode() == 3 || createFailed_); ++attempt) {
+    Sleep(200);
+    started = StartOnce(arguments);
+  }
+  return started;
+}
+
+testing::AssertionResult SyncSimProcess::StartOnce(const std::wstring& arguments) {
   Stop();
   // Created before the child, so its signal cannot be missed.
   readyEvent_.reset(CreateEventW(nullptr, TRUE, FALSE, L"syncsim-ready"));
@@ -17,10 +30,9 @@ testing::AssertionResult SyncSimProcess::Start(const std::wstring& arguments) {
   STARTUPINFOW startup{};
   startup.cb = sizeof(startup);
   PROCESS_INFORMATION info{};
-  if (!CreateProcessW(nullptr, commandLine.data(), nullptr, nullptr, FALSE, CREATE_SUSPENDED, nullptr,
-                      BinFolder().c_str(), &startup, &info)) {
-    return testing::AssertionFailure() << "CreateProcessW(syncsim.exe) failed: " << GetLastError();
-  }
+  createFailed_ = !CreateProcessW(nullptr, commandLine.data(), nullptr, nullptr, FALSE, CREATE_SUSPENDED, nullptr,
+                                  BinFolder().c_str(), &startup, &info);
+  if (createFailed_) return testing::AssertionFailure() << "CreateProcessW(syncsim.exe) failed: " << GetLastError();
   process_.reset(info.hProcess);
   job_.reset(CreateJobObjectW(nullptr, nullptr));
   JOBOBJECT_EXTENDED_LIMIT_INFORMATION limits{};

@@ -27,9 +27,12 @@ class SyncSimProcess {
   DWORD ExitCode() const;
 
  private:
+  testing::AssertionResult StartOnce(const std::wstring& arguments);
+
   UniqueHandle job_;  // ends syncsim with the test process, even when the test crashes
   UniqueHandle process_;
   UniqueHandle readyEvent_;
+  bool createFailed_ = false;
   UniqueHandle stopEvent_;
 };
 
