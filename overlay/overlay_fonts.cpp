@@ -11,8 +11,8 @@ HFONT OverlayFont(FontRole role) {
   static auto* fonts = new std::map<FontRole, HFONT>();
   HFONT& font = (*fonts)[role];
   if (font == nullptr) {
-    const FontSpec spec = FontSpecOf(role);
-    font = CreateFontW(spec.height, 0, 0, 0, spec.weight, spec.italic ? TRUE : FALSE, FALSE, FALSE, 0,
+    const FontSpec wanted = FontSpecOf(role);
+    font = CreateFontW(wanted.height, 0, 0, 0, wanted.weight, wanted.italic ? TRUE : FALSE, FALSE, FALSE, 0,
                        OUT_DEFAULT_PRECIS, CLIP_DEFAULT_PRECIS, DEFAULT_QUALITY, DEFAULT_PITCH, nullptr);
   }
   return font;

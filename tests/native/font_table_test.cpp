@@ -7,10 +7,10 @@
 namespace {
 void ExpectFont(FontRole role, int height, int weight, bool italic, Caller caller = {}) {
   TRACE_CALLER(caller);
-  const FontSpec spec = FontSpecOf(role);
-  EXPECT_EQ(spec.height, height);
-  EXPECT_EQ(spec.weight, weight);
-  EXPECT_EQ(spec.italic, italic);
+  const FontSpec wanted = FontSpecOf(role);
+  EXPECT_EQ(wanted.height, height);
+  EXPECT_EQ(wanted.weight, weight);
+  EXPECT_EQ(wanted.italic, italic);
 }
 }  // namespace
 
