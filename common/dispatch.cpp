@@ -1,5 +1,6 @@
 #include "common/dispatch.h"
 
+#include <map>
 #include <vector>
 
 #include "common/office_app.h"
@@ -20,6 +21,11 @@ HRESULT DispatchName::Resolve(IDispatch* object, DISPID* id) {
   resolved_[slot] = true;
   *id = found;
   return S_OK;
+}
+
+DispatchName& DispatchNameFor(const wchar_t* member) {
+  static auto* names = new std::map<std::wstring, DispatchName>();  // kept for the process
+  return names->try_emplace(member, member).first->second;
 }
 
 namespace {

@@ -32,6 +32,13 @@ class DispatchName {
   bool resolved_[kHostSlots] = {false, false, false, false};
 };
 
+// The cached name of a member chosen at run time (the host table's
+// "ActiveDocument", "Workbooks"...), one per name for the process, so even
+// those are resolved once per host. `member` must outlive the process (a
+// literal or a constant table's text). UI thread only, like every call into
+// Office.
+DispatchName& DispatchNameFor(const wchar_t* member);
+
 // A failed object-model call, carrying its HRESULT; what() names the member.
 class ComError : public std::runtime_error {
  public:

@@ -22,10 +22,7 @@ void QuitWhenNoDocumentIsLeft(const HostProfile& profile) {
   if (profile.quitArguments < 0) return;
   static DispatchName count(L"Count");
   static DispatchName quit(L"Quit");
-  // Resolved afresh: the collection's name differs from host to host, and
-  // this runs once per closed document.
-  DispatchName collectionName(profile.documentsMember);
-  ComPtr<IDispatch> collection = GetObjectProperty(HostApplication.get(), collectionName);
+  ComPtr<IDispatch> collection = GetObjectProperty(HostApplication.get(), DispatchNameFor(profile.documentsMember));
   if (!collection || GetLongProperty(collection.get(), count) != 0) return;
   if (profile.quitArguments == 3) {
     UniqueVariant missing1 = UniqueVariant::Missing(), missing2 = UniqueVariant::Missing(),

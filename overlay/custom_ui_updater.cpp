@@ -40,8 +40,7 @@ std::wstring NextTickStamp() {
 std::wstring FindActiveFile(const HostProfile& profile, DocumentRecorder recordDocument) {
   ComPtr<IDispatch> document;
   try {
-    DispatchName activeDocument(profile.activeDocumentMember);
-    document = GetObjectProperty(HostApplication.get(), activeDocument);
+    document = GetObjectProperty(HostApplication.get(), DispatchNameFor(profile.activeDocumentMember));
   } catch (const ComError&) {
     return std::wstring();
   }
@@ -93,8 +92,8 @@ void StampOpenDocuments(const HostProfile& profile, const std::wstring& stamp) {
   static DispatchName count(L"Count");
   static DispatchName item(L"Item");
   static DispatchName fullName(L"FullName");
-  DispatchName documentsMember(profile.documentsMember);
-  const ComPtr<IDispatch> documents = GetObjectProperty(HostApplication.get(), documentsMember);
+  const ComPtr<IDispatch> documents =
+      GetObjectProperty(HostApplication.get(), DispatchNameFor(profile.documentsMember));
   if (!documents) return;
   const long open = GetLongProperty(documents.get(), count);
   FileStatusCache& cache = TheFileStatusCache();
