@@ -92,7 +92,10 @@ HRESULT RegisterTypeLibrary() {
   ComPtr<ITypeLib> library;
   HRESULT hr = LoadTypeLibEx(path.c_str(), REGKIND_NONE, library.put());
   if (FAILED(hr)) return hr;
-  std::wstring helpFolder = path.substr(0, path.find_last_of(L'\\'));
+  // The folder keeps its closing backslash, as COM's usual registrar writes
+  // it and as Windows Installer formats a folder, so that the per-user
+  // installer and registration by hand leave the same text.
+  std::wstring helpFolder = path.substr(0, path.find_last_of(L'\\') + 1);
   if (g_perUserRegistration) {
     return RegisterTypeLibForUser(library.get(), const_cast<wchar_t*>(path.c_str()),
                                   const_cast<wchar_t*>(helpFolder.c_str()));

@@ -140,6 +140,16 @@ TEST_F(Registration, PerMachineRegistrationWritesTheMachinesClassesAndTheUsersAd
   EXPECT_FALSE(KeyExists(HKEY_CURRENT_USER, L"Software\\Classes\\CLSID\\" + kClsid));
 }
 
+TEST_F(Registration, TypeLibraryHelpFolderIsTheModulesFolderWithItsSeparator) {
+  // The per-user installer can only write a folder as Windows Installer
+  // formats it, with its closing backslash; registration by hand writes the
+  // same text so that both leave the same registry behind.
+  ASSERT_EQ(install_(TRUE, L"user"), S_OK);
+  const std::wstring dll = AddinDllPath();
+  const std::wstring folder = dll.substr(0, dll.find_last_of(L'\\') + 1);
+  EXPECT_EQ(ReadText(HKEY_CLASSES_ROOT, L"TypeLib\\" + kLibid + L"\\1.0\\HELPDIR"), folder);
+}
+
 TEST_F(Registration, PerMachineUnregistrationRemovesWhatItWrote) {
   ASSERT_EQ(register_(), S_OK);
   ASSERT_EQ(unregister_(), S_OK);
