@@ -12,3 +12,5 @@ cmake --build --preset windows
 # bottom of the Office window, as it would on a tall monitor.
 QSYNC_SCREEN=1280x1600 scripts/with-display.sh scripts/run-main-scenario.sh
 scripts/make-gallery.sh build/main-job build/main-job/gallery
+# The signed per-user installer beside what the main job shows.
+cp build/windows/bin/QSyncMSOfficeAddin.msi build/main-job/

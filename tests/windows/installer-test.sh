@@ -3,7 +3,8 @@
 #   - `msiexec /i … /qn` leaves, value for value, the registry that
 #     `regsvr32 /n /i:user` leaves for the DLL in the same place;
 #   - the simulated Word loads the add-in from where the MSI put it;
-#   - installing twice, and a later version over this one, keep it so;
+#   - installing twice, and later versions over this one, keep it so, and an
+#     older package does not replace a newer one;
 #   - `msiexec /x … /qn` leaves the registry as it was and no file behind.
 # The profile is a lived-in one: each host's add-in list and the user's
 # classes already hold another program's entries, which must stay untouched.
@@ -108,7 +109,8 @@ msiexec_expect() {  # msiexec_expect EXPECTED_RC WHAT ARGS...
   shift 2
   wine_run msiexec "$@" /qn /l*v "$(winpath "$work/msiexec.log")" >/dev/null 2>&1
   local rc=$?
-  if [ "$rc" -ne "$expected" ]; then
+  # A process's exit code reaches Linux as its low byte: 1603 arrives as 67.
+  if [ "$rc" -ne $((expected % 256)) ]; then
     fail "$what: msiexec returned $rc, expected $expected"
     tail -40 "$work/msiexec.log" 2>/dev/null | tr -d '\r' | sed 's/^/    /'
     return 1
@@ -141,10 +143,10 @@ mkdir -p "$install_dir"
 cp "$bin/QSyncMSOfficeAddin.dll" "$install_dir/"
 wine_run regsvr32 /s /n /i:user "$win_dll" >/dev/null 2>&1 || fail "regsvr32 /n /i:user returned $?"
 snapshot by_hand
+# Back to the clean profile (unregistration itself is registration_test's).
 wine_run regsvr32 /s /u /n /i:user "$win_dll" >/dev/null 2>&1 || fail "regsvr32 /u /n /i:user returned $?"
+remove_our_keys
 rm -rf "$company_dir"
-snapshot by_hand_removed
-expect_same before by_hand_removed "regsvr32 /u /n /i:user leaves the registry as it was"
 # Wine's RegisterTypeLibForUser registers for the whole machine; Windows
 # writes the same keys under the user's classes, where the MSI writes them.
 sed 's/^hkey_local_machine\\software\\classes\\/hkey_current_user\\software\\classes\\/' "$work/by_hand.txt" |
@@ -180,26 +182,46 @@ snapshot installed_twice user-only
 grep -v "^hkey_local_machine" "$work/installed.txt" >"$work/installed_user.txt"
 expect_same installed_user installed_twice "a second install leaves the same registry"
 
-# --- A later version replaces this one.
-(cd "$bin" && wixl -a x64 -D ProductVersion=1.0.0.5 -D UpgradeBelow=1.0.1 -D AddinDll=QSyncMSOfficeAddin.dll -o "$work/upgrade.msi" "$wxs") \
-  >"$work/wixl.txt" 2>&1 || { fail "wixl could not build version 1.0.0.5"; cat "$work/wixl.txt"; }
+# --- A later version replaces this one: 1.0.0.5 (Windows Installer reads
+# only three fields of a version, to it the same as 1.0.0.4), then 1.0.1.0.
+build_msi() {  # build_msi VERSION UPGRADE_BELOW OUTPUT
+  (cd "$bin" && wixl -a x64 -D ProductVersion="$1" -D UpgradeBelow="$2" -D AddinDll=QSyncMSOfficeAddin.dll -o "$3" "$wxs") \
+    >"$work/wixl.txt" 2>&1 || { fail "wixl could not build version $1"; cat "$work/wixl.txt"; }
+}
+# Windows Installer's own list of the user's products holds one of ours:
+# the given package, not an older one beside it.
+expect_only_product() {  # expect_only_product PACKAGE_NAME WHAT
+  export_key 'HKCU\Software\Microsoft\Installer\Products' >"$work/products.txt"
+  local ours
+  ours=$(grep -c 'ProductName"="Qelvo Filewell Sync Add-in for Microsoft Office"' "$work/products.txt")
+  if [ "$ours" -eq 1 ] && grep -q "PackageName\"=\"$1\"" "$work/products.txt"; then
+    echo "ok: $2"
+  else
+    fail "$2: $ours products of ours are installed:"; grep -i 'ProductName\|PackageName' "$work/products.txt" | sed 's/^/    /'
+  fi
+}
+build_msi 1.0.0.5 1.0.1 "$work/upgrade.msi"
 msiexec_expect 0 "version 1.0.0.5 installs over 1.0.0.4" /i "$(winpath "$work/upgrade.msi")"
 installed_msi="$work/upgrade.msi"
 snapshot upgraded user-only
 expect_same installed_user upgraded "the upgrade leaves the same registry"
 [ -f "$install_dir/QSyncMSOfficeAddin.dll" ] || fail "the upgrade left no DLL"
-# Windows Installer's own list of the user's products holds one of ours:
-# the new package, not the old one beside it.
-export_key 'HKCU\Software\Microsoft\Installer\Products' >"$work/products.txt"
-ours=$(grep -c 'ProductName"="Qelvo Filewell Sync Add-in for Microsoft Office"' "$work/products.txt")
-if [ "$ours" -eq 1 ] && grep -q 'PackageName"="upgrade.msi"' "$work/products.txt"; then
-  echo "ok: after the upgrade only 1.0.0.5 is installed"
-else
-  fail "after the upgrade $ours products of ours are installed:"; grep -i 'ProductName\|PackageName' "$work/products.txt" | sed 's/^/    /'
-fi
+expect_only_product upgrade.msi "after the upgrade only 1.0.0.5 is installed"
+
+build_msi 1.0.1.0 1.0.2 "$work/later.msi"
+msiexec_expect 0 "version 1.0.1.0 installs over 1.0.0.5" /i "$(winpath "$work/later.msi")"
+installed_msi="$work/later.msi"
+# The older package refuses (1603, its launch condition) and changes nothing.
+msiexec_expect 1603 "1.0.0.4 does not install over 1.0.1.0" /i "$(winpath "$bin/QSyncMSOfficeAddin.msi")"
+# Stopped by the launch condition that says "A newer version … is already
+# installed" (Windows logs the text; Wine only the action's failure), before
+# anything was removed or written.
+grep -q "LaunchConditions\. Return value [^1]" "$work/msiexec.log" || fail "the downgrade was not refused by its launch condition"
+grep -q "RemoveExistingProducts\|InstallFiles\|WriteRegistryValues" "$work/msiexec.log" && fail "the refused downgrade went on to change the installation"
+expect_only_product later.msi "after the refused downgrade only 1.0.1.0 is installed"
 
 # --- Uninstalling.
-msiexec_expect 0 "msiexec /x uninstalls" /x "$(winpath "$work/upgrade.msi")" && installed_msi=""
+msiexec_expect 0 "msiexec /x uninstalls" /x "$(winpath "$work/later.msi")" && installed_msi=""
 snapshot uninstalled
 expect_same before uninstalled "msiexec /x leaves no key and no value of ours, and the others' entries as they were"
 if [ -e "$company_dir" ]; then
