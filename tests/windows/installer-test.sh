@@ -42,28 +42,28 @@ reg_import() {  # reg_import LINES...: the lines of a .reg file's body
   { printf 'Windows Registry Editor Version 5.00\r\n\r\n'; printf '%s\r\n' "$@"; } >"$work/import.reg"
   wine_run reg import "$(winpath "$work/import.reg")" >/dev/null 2>&1
 }
-# Every key that registration may write, removed whole, in both hives (Wine
-# registers a per-user type library for the whole machine).
-remove_our_keys() {
-  local lines=() root key
+# The .reg lines that remove every key registration may write, whole, in
+# both hives (Wine registers a per-user type library for the whole machine),
+# and the other programs' entries of the lived-in profile.
+our_key_removals() {
+  local root key
   for root in HKEY_CURRENT_USER HKEY_LOCAL_MACHINE; do
     for key in "$progid" "$progid.1" "CLSID\\$clsid" "TypeLib\\$libid" "Interface\\$iid"; do
-      lines+=("[-$root\\Software\\Classes\\$key]")
+      echo "[-$root\\Software\\Classes\\$key]"
     done
   done
-  for host in "${hosts[@]}"; do lines+=("[-HKEY_CURRENT_USER\\Software\\Microsoft\\Office\\$host\\Addins\\$progid]"); done
-  reg_import "${lines[@]}"
+  for host in "${hosts[@]}"; do echo "[-HKEY_CURRENT_USER\\Software\\Microsoft\\Office\\$host\\Addins\\$progid]"; done
+}
+other_program_removals() {
+  for host in "${hosts[@]}"; do echo "[-HKEY_CURRENT_USER\\Software\\Microsoft\\Office\\$host\\Addins\\Other.Addin]"; done
+  echo '[-HKEY_CURRENT_USER\Software\Classes\Other.Document]'
+  for key in CLSID TypeLib Interface; do echo "[-HKEY_CURRENT_USER\\Software\\Classes\\$key\\$other_clsid]"; done
 }
 installed_msi=""
 cleanup() {
   [ -n "$installed_msi" ] && wine_run msiexec /x "$(winpath "$installed_msi")" /qn >/dev/null 2>&1
-  local lines=()
-  for host in "${hosts[@]}"; do lines+=("[-HKEY_CURRENT_USER\\Software\\Microsoft\\Office\\$host\\Addins\\Other.Addin]"); done
-  reg_import "${lines[@]}" '[-HKEY_CURRENT_USER\Software\Classes\Other.Document]' \
-    "[-HKEY_CURRENT_USER\\Software\\Classes\\CLSID\\$other_clsid]" \
-    "[-HKEY_CURRENT_USER\\Software\\Classes\\TypeLib\\$other_clsid]" \
-    "[-HKEY_CURRENT_USER\\Software\\Classes\\Interface\\$other_clsid]"
-  remove_our_keys
+  mapfile -t lines < <(other_program_removals; our_key_removals)
+  reg_import "${lines[@]}"
   rm -rf "$company_dir" "$work"
 }
 trap cleanup EXIT
@@ -81,14 +81,17 @@ export_key() {
     normalise <"$work/export.reg"
   fi
 }
-# Everything registration or the MSI may touch: the user's classes, the
-# Office keys and, unless "user-only" is asked for, our keys among the
-# machine's classes. The user's hive is read whole (one process instead of
-# two) and cut down here.
-snapshot() {  # snapshot NAME [user-only]
+# Everything registration or the MSI may touch: the user's classes and the
+# Office keys (the user's hive is read whole, one process instead of two, and
+# cut down here; the whole of it stays in NAME.hkcu) and, with
+# "with-machine", our keys among the machine's classes, where Wine's
+# registration by hand puts the type library. The MSI's rows are all for the
+# user, which the package itself shows (see the start).
+snapshot() {  # snapshot NAME [with-machine]
+  export_key HKCU >"$work/$1.hkcu"
   {
-    export_key HKCU | grep -e '^hkey_current_user\\software\\classes' -e '^hkey_current_user\\software\\microsoft\\office'
-    if [ "${2:-}" != user-only ]; then
+    grep -e '^hkey_current_user\\software\\classes' -e '^hkey_current_user\\software\\microsoft\\office' "$work/$1.hkcu"
+    if [ "${2:-}" = with-machine ]; then
       export_key "HKLM\\Software\\Classes\\CLSID\\$clsid"
       export_key "HKLM\\Software\\Classes\\TypeLib\\$libid"
       export_key "HKLM\\Software\\Classes\\Interface\\$iid"
@@ -118,34 +121,44 @@ msiexec_expect() {  # msiexec_expect EXPECTED_RC WHAT ARGS...
   echo "ok: $what (msiexec $rc)"
 }
 
+# --- What the package says about itself, read on the Linux side.
+# Word count bit 8 of the summary: no elevation needed; no ALLUSERS; and
+# every registry row under HKEY_CURRENT_USER (root 1).
+word_count=$(msiinfo suminfo "$bin/QSyncMSOfficeAddin.msi" 2>/dev/null | sed -n 's/^Source: \([0-9]*\).*/\1/p')
+[ -n "$word_count" ] && [ $((word_count & 8)) -eq 8 ] || fail "the package asks for elevation (word count '$word_count')"
+msiinfo export "$bin/QSyncMSOfficeAddin.msi" Property | grep -q '^ALLUSERS' && fail "the package sets ALLUSERS"
+machine_rows=$(msiinfo export "$bin/QSyncMSOfficeAddin.msi" Registry | awk -F'\t' 'NR > 3 && $2 != 1' | wc -l)
+[ "$machine_rows" -eq 0 ] || fail "$machine_rows registry rows of the package are not for the current user"
+[ "$failures" -eq 0 ] && echo "ok: the package is per-user: no elevation, no ALLUSERS, HKEY_CURRENT_USER only"
+
 # --- A clean, lived-in profile.
 # One wineserver for the whole test rather than one per command; it ends
 # itself 10 s after the last program, and holds none of ctest's pipes.
 wineserver -p10 </dev/null >/dev/null 2>&1
-# An earlier run that stopped half-way may have left the product installed.
-if grep -qi 'ProductName.*Qelvo Filewell Sync' <(export_key 'HKCU\Software\Microsoft\Installer\Products'); then
-  wine_run msiexec /x "$(winpath "$bin/QSyncMSOfficeAddin.msi")" /qn >/dev/null 2>&1
-fi
-remove_our_keys
-rm -rf "$company_dir"
-other_addins=()
+mapfile -t lines < <(our_key_removals)
 for host in "${hosts[@]}"; do
-  other_addins+=("[HKEY_CURRENT_USER\\Software\\Microsoft\\Office\\$host\\Addins\\Other.Addin]" '"LoadBehavior"=dword:00000002')
+  lines+=("[HKEY_CURRENT_USER\\Software\\Microsoft\\Office\\$host\\Addins\\Other.Addin]" '"LoadBehavior"=dword:00000002')
 done
-reg_import "${other_addins[@]}" '[HKEY_CURRENT_USER\Software\Classes\Other.Document]' "@=\"Another program's document\"" \
-  "[HKEY_CURRENT_USER\\Software\\Classes\\CLSID\\$other_clsid]" "@=\"Another program's class\"" \
-  "[HKEY_CURRENT_USER\\Software\\Classes\\TypeLib\\$other_clsid\\1.0]" "@=\"Another program's library\"" \
-  "[HKEY_CURRENT_USER\\Software\\Classes\\Interface\\$other_clsid]" "@=\"Another program's interface\""
+lines+=('[HKEY_CURRENT_USER\Software\Classes\Other.Document]' "@=\"Another program's document\""
+  "[HKEY_CURRENT_USER\\Software\\Classes\\CLSID\\$other_clsid]" "@=\"Another program's class\""
+  "[HKEY_CURRENT_USER\\Software\\Classes\\TypeLib\\$other_clsid\\1.0]" "@=\"Another program's library\""
+  "[HKEY_CURRENT_USER\\Software\\Classes\\Interface\\$other_clsid]" "@=\"Another program's interface\"")
+reg_import "${lines[@]}"
+rm -rf "$company_dir"
 snapshot before
+# An earlier run that stopped half-way may have left the product installed.
+if grep -qi 'ProductName.*Qelvo Filewell Sync' "$work/before.hkcu"; then
+  wine_run msiexec /x "$(winpath "$bin/QSyncMSOfficeAddin.msi")" /qn >/dev/null 2>&1
+  snapshot before
+fi
 
 # --- Registration by hand, with the DLL where the MSI puts it.
 mkdir -p "$install_dir"
 cp "$bin/QSyncMSOfficeAddin.dll" "$install_dir/"
 wine_run regsvr32 /s /n /i:user "$win_dll" >/dev/null 2>&1 || fail "regsvr32 /n /i:user returned $?"
-snapshot by_hand
+snapshot by_hand with-machine
 # Back to the clean profile (unregistration itself is registration_test's).
 wine_run regsvr32 /s /u /n /i:user "$win_dll" >/dev/null 2>&1 || fail "regsvr32 /u /n /i:user returned $?"
-remove_our_keys
 rm -rf "$company_dir"
 # Wine's RegisterTypeLibForUser registers for the whole machine; Windows
 # writes the same keys under the user's classes, where the MSI writes them.
@@ -178,9 +191,8 @@ fi
 
 # --- Installing the same package again changes nothing.
 msiexec_expect 0 "msiexec /i a second time" /i "$(winpath "$bin/QSyncMSOfficeAddin.msi")"
-snapshot installed_twice user-only
-grep -v "^hkey_local_machine" "$work/installed.txt" >"$work/installed_user.txt"
-expect_same installed_user installed_twice "a second install leaves the same registry"
+snapshot installed_twice
+expect_same installed installed_twice "a second install leaves the same registry"
 
 # --- A later version replaces this one: 1.0.0.5 (Windows Installer reads
 # only three fields of a version, to it the same as 1.0.0.4), then 1.0.1.0.
@@ -190,23 +202,23 @@ build_msi() {  # build_msi VERSION UPGRADE_BELOW OUTPUT
 }
 # Windows Installer's own list of the user's products holds one of ours:
 # the given package, not an older one beside it.
-expect_only_product() {  # expect_only_product PACKAGE_NAME WHAT
-  export_key 'HKCU\Software\Microsoft\Installer\Products' >"$work/products.txt"
+expect_only_product() {  # expect_only_product SNAPSHOT PACKAGE_NAME WHAT
   local ours
+  grep '^hkey_current_user\\software\\microsoft\\installer\\products' "$work/$1.hkcu" >"$work/products.txt"
   ours=$(grep -c 'ProductName"="Qelvo Filewell Sync Add-in for Microsoft Office"' "$work/products.txt")
-  if [ "$ours" -eq 1 ] && grep -q "PackageName\"=\"$1\"" "$work/products.txt"; then
-    echo "ok: $2"
+  if [ "$ours" -eq 1 ] && grep -q "PackageName\"=\"$2\"" "$work/products.txt"; then
+    echo "ok: $3"
   else
-    fail "$2: $ours products of ours are installed:"; grep -i 'ProductName\|PackageName' "$work/products.txt" | sed 's/^/    /'
+    fail "$3: $ours products of ours are installed:"; grep -i 'ProductName\|PackageName' "$work/products.txt" | sed 's/^/    /'
   fi
 }
 build_msi 1.0.0.5 1.0.1 "$work/upgrade.msi"
 msiexec_expect 0 "version 1.0.0.5 installs over 1.0.0.4" /i "$(winpath "$work/upgrade.msi")"
 installed_msi="$work/upgrade.msi"
-snapshot upgraded user-only
-expect_same installed_user upgraded "the upgrade leaves the same registry"
+snapshot upgraded
+expect_same installed upgraded "the upgrade leaves the same registry"
 [ -f "$install_dir/QSyncMSOfficeAddin.dll" ] || fail "the upgrade left no DLL"
-expect_only_product upgrade.msi "after the upgrade only 1.0.0.5 is installed"
+expect_only_product upgraded upgrade.msi "after the upgrade only 1.0.0.5 is installed"
 
 build_msi 1.0.1.0 1.0.2 "$work/later.msi"
 msiexec_expect 0 "version 1.0.1.0 installs over 1.0.0.5" /i "$(winpath "$work/later.msi")"
@@ -218,7 +230,8 @@ msiexec_expect 1603 "1.0.0.4 does not install over 1.0.1.0" /i "$(winpath "$bin/
 # anything was removed or written.
 grep -q "LaunchConditions\. Return value [^1]" "$work/msiexec.log" || fail "the downgrade was not refused by its launch condition"
 grep -q "RemoveExistingProducts\|InstallFiles\|WriteRegistryValues" "$work/msiexec.log" && fail "the refused downgrade went on to change the installation"
-expect_only_product later.msi "after the refused downgrade only 1.0.1.0 is installed"
+snapshot refused
+expect_only_product refused later.msi "after the refused downgrade only 1.0.1.0 is installed"
 
 # --- Uninstalling.
 msiexec_expect 0 "msiexec /x uninstalls" /x "$(winpath "$work/later.msi")" && installed_msi=""
