@@ -27,8 +27,14 @@ else
 fi
 [ -f "$pfx" ] || { echo "sign-file.sh: no certificate file at $pfx" >&2; exit 1; }
 
-openssl pkcs12 -in "$pfx" -passin "file:$work/password" -clcerts -nokeys 2>/dev/null |
-  openssl x509 -out "$work/cert.pem"
+extract_certificate() {
+  openssl pkcs12 -in "$pfx" -passin "file:$work/password" -clcerts -nokeys "$@" 2>/dev/null |
+    openssl x509 -out "$work/cert.pem" 2>/dev/null
+}
+# A PFX exported by older Windows tools is RC2-encrypted, which OpenSSL 3
+# reads only with its legacy provider.
+extract_certificate || extract_certificate -legacy ||
+  { echo "sign-file.sh: cannot read the certificate in $pfx (wrong password?)" >&2; exit 1; }
 timestamp=()
 [ -n "${QSYNC_TIMESTAMP_URL:-}" ] && timestamp=(-ts "$QSYNC_TIMESTAMP_URL")
 # Into a new file first: a signing that fails leaves the unsigned file whole.
