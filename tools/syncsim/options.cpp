@@ -9,6 +9,7 @@ const char* const kSyncSimUsage =
     "                   [--delay MS] [--busy [--busy-ms MS]] [--instances N]\n"
     "                   [--cut-answer | --hang-up | --garbage | --never-answer]\n"
     "                   [--byte-mode] [--pad UNITS] [--lead HEX | --no-lead]\n"
+    "                   [--answer-every-request] [--hang-up-on NAME:VALUE]\n"
     "                   [--max-requests N] [--run-ms MS]\n"
     "                   [--ready-event NAME] [--stop-event NAME]\n"
     "see docs/syncsim.md\n";
@@ -81,6 +82,16 @@ bool ParseSyncSimOptions(int argc, wchar_t** argv, SyncSimOptions& options, std:
       options.delivery = AnswerDelivery::Garbage;
     } else if (argument == L"--never-answer") {
       options.delivery = AnswerDelivery::NeverAnswer;
+    } else if (argument == L"--answer-every-request") {
+      options.answerEveryRequest = true;
+    } else if (argument == L"--hang-up-on") {
+      // NAME:VALUE stands for the request member "NAME":VALUE, written
+      // without quotes so it survives a command line.
+      std::wstring member;
+      ok = takeText(member);
+      const size_t colon = member.find(L':');
+      ok = ok && colon != std::wstring::npos && colon > 0;
+      if (ok) options.hangUpOn = L"\"" + member.substr(0, colon) + L"\":" + member.substr(colon + 1);
     } else if (argument == L"--byte-mode") {
       options.byteMode = true;
     } else if (argument == L"--pad") {
