@@ -1,6 +1,14 @@
 #!/usr/bin/env bash
 # Builds everything and runs every test: the native unit tests (sanitizers,
 # the bounded fuzz run) and the Windows tests under Wine + Xvfb.
+if [ "${1:-}" = "--help" ]; then
+  cat <<'USAGE'
+usage: scripts/test.sh [--help]
+  builds every preset and runs every test: native (ASan/UBSan, TSan, bounded fuzzing), the
+  benchmarks once each, Windows under Wine + Xvfb, and the README command check
+USAGE
+  exit 0
+fi
 set -eu
 root="$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)"
 cd "$root"

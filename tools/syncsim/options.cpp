@@ -4,7 +4,7 @@
 #include <type_traits>
 
 const char* const kSyncSimUsage =
-    "usage: syncsim.exe [--pipe NAME] [--scenario FILE | --answer-file FILE]\n"
+    "usage: syncsim.exe [--help] [--pipe NAME] [--scenario FILE | --answer-file FILE]\n"
     "                   [--record FILE] [--record-raw FILE]\n"
     "                   [--delay MS] [--busy [--busy-ms MS]] [--instances N]\n"
     "                   [--cut-answer | --hang-up | --garbage | --never-answer]\n"
@@ -49,7 +49,9 @@ bool ParseSyncSimOptions(int argc, wchar_t** argv, SyncSimOptions& options, std:
       return true;
     };
     bool ok = true;
-    if (argument == L"--pipe") {
+    if (argument == L"--help") {
+      options.help = true;
+    } else if (argument == L"--pipe") {
       ok = takeText(options.pipeName);
       // A bare name is taken as the part after "\\.\pipe\".
       if (ok && options.pipeName.rfind(L"\\\\", 0) != 0) options.pipeName = L"\\\\.\\pipe\\" + options.pipeName;

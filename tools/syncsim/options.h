@@ -15,6 +15,7 @@ enum class AnswerDelivery {
 };
 
 struct SyncSimOptions {
+  bool help = false;      // print the usage and do nothing else
   std::wstring pipeName;  // full "\\.\pipe\..." name
   std::wstring scenarioFile;
   std::wstring answerFile;  // fixed answer text (UTF-8 file), replaces the scenario's
