@@ -49,7 +49,9 @@ Judgement JudgeFieldValues(const std::vector<AnswerObject>& objects) {
     if (object.find(L"file_path") == object.end()) {
       return {false, L"an object without \"file_path\": the add-in cannot tell which file it is about and drops it"};
     }
-    for (const auto& [key, value] : object) {
+    for (const auto& member : object) {
+      const std::wstring& key = member.first;
+      const std::wstring& value = member.second;
       const bool isFlag = std::find_if(std::begin(kFlagKeys), std::end(kFlagKeys),
                                        [&](const wchar_t* k) { return key == k; }) != std::end(kFlagKeys);
       if (isFlag) {
@@ -101,7 +103,8 @@ Judgement JudgeFilesAnswered(const std::vector<AnswerObject>& objects, const std
     std::wstring seen = L"no object for";
     for (const std::wstring& path : missing) seen += L" " + path;
     seen += L" (of " + std::to_wstring(requested.size()) +
-            L" file(s) asked about): the add-in keeps its last state for an unanswered file";
+            L" file(s) asked about): the add-in leaves an unanswered file as it was, so a newly opened one "
+            L"shows nothing";
     return {false, seen};
   }
   std::wstring seen = L"an object for each of the " + std::to_wstring(requested.size()) + L" file(s) asked about";
