@@ -148,6 +148,27 @@ TEST_F(SyncProbe, PassesEveryRuleAgainstASyncAppThatAnswersAsTheAddinExpects) {
   EXPECT_EQ(run.LineOf("leading-unit"), "PASS leading-unit: the answer starts with U+FEFF, which the add-in drops");
 }
 
+TEST_F(SyncProbe, SendsWhatTheAnswerSaidAndLeavesNoDocumentOpenInTheSyncAppsView) {
+  const std::wstring record = FreshTempPath(L"syncprobe-requests.txt");
+  Serve(kScenario, L"--record " + Quoted(record));
+  EXPECT_EQ(RunProbe(kFiles).exitCode, 0u);
+  syncSim_.Stop();
+  UniqueFileHandle file(CreateFileW(record.c_str(), GENERIC_READ, FILE_SHARE_READ, nullptr, OPEN_EXISTING, 0, nullptr));
+  std::string bytes(1 << 16, '\0');
+  DWORD read = 0;
+  ASSERT_TRUE(file && ReadFile(file.get(), bytes.data(), static_cast<DWORD>(bytes.size()), &read, nullptr));
+  bytes.resize(read);
+  // The later requests carry what the answer said, as the add-in's do.
+  const size_t hide = bytes.find("\"uiHide\":true,\"file_combo_id\":\"k3v9x\"");
+  EXPECT_NE(hide, std::string::npos) << bytes;
+  // The last request closes the second file, the only one still open.
+  const size_t lastLine = bytes.rfind('\n', bytes.size() - 2);
+  EXPECT_EQ(bytes.substr(lastLine + 1),
+            "{\"files\":[{\"filepath\":\"C:\\probe\\budget.xlsx\",\"isOpen\":false,\"isEditing\":false,"
+            "\"resolveConflict\":false,\"retryModify\":false,\"retryRenameOrMove\":false,\"retryDelete\":false,"
+            "\"file_combo_id\":\"\",\"officeApp\":\"1\"}]}\n");
+}
+
 TEST_F(SyncProbe, PrintsItsUsageForHelpAndDoesNothingElse) {
   const ProbeRun run = RunProbe(L"--help");
   EXPECT_EQ(run.exitCode, 0u);

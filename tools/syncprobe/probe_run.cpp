@@ -5,6 +5,7 @@
 
 #include "common/office_app.h"
 #include "common/text.h"
+#include "synclink/answer_apply.h"
 #include "synclink/answer_parser.h"
 #include "synclink/file_status_cache.h"
 #include "synclink/sync_app_pipe.h"
@@ -175,6 +176,9 @@ int RunProbe(const ProbeOptions& options) {
   }
 
   const std::vector<AnswerObject> objects = ParseAnswer(text);
+  // As the add-in's update thread does: the answer goes into the records,
+  // so the later requests carry the identifiers the sync app gave.
+  ApplyAnswer(cache, objects);
   if (report.Ready("field-values", {"answer-shape", "quoted-values"})) {
     const Judgement judgement = JudgeFieldValues(objects);
     report.Judge("field-values", judgement.ok, judgement.seen);
@@ -218,6 +222,16 @@ int RunProbe(const ProbeOptions& options) {
       result += L"; the next request, without that file: " + seen;
     }
     report.Judge("closed-file", ok, result);
+  }
+
+  // The sync app must not be left believing the other made-up documents
+  // are still open in Word: each gets its closing request, as when the
+  // user closes it. Not a rule; a failure here was reported above.
+  if (first.openError == 0) {
+    for (size_t i = 1; i < options.files.size(); ++i) {
+      const std::wstring closing = cache.CloseRecord(options.files[i]);
+      if (!closing.empty()) ExchangeRaw(options.pipeName, closing, kLimits);
+    }
   }
   return report.Finish();
 }
