@@ -4,6 +4,14 @@
 # median of 5 starts, set against the limits past which Office flags a COM
 # add-in as slow (1000 ms at start-up, 500 ms at shutdown).
 # Run after building the windows preset: scripts/with-display.sh bench/connection-timing.sh
+if [ "${1:-}" = "--help" ]; then
+  cat <<'USAGE'
+usage: bench/connection-timing.sh [--help]
+  after building the windows preset, inside scripts/with-display.sh: OnConnection and
+  OnDisconnection in the simulated Word, median of five starts, against Office's limits
+USAGE
+  exit 0
+fi
 set -eu
 root="$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)"
 bin="$root/build/windows/bin"

@@ -29,7 +29,7 @@ void RunUpdates(benchmark::State& state, bool alternate) {
     cache.AddFile(DocumentPath(i), nullptr, 0, nullptr);
     variants[0].push_back(FieldsFor(i, 0));
     variants[1].push_back(FieldsFor(i, 1));
-    cache.UpdateFile(variants[0][i].file_path, nullptr, 0, variants[0][i]);
+    cache.UpdateFile(variants[0][i].file_path, variants[0][i]);
   }
   const std::uint64_t linesBefore = LogLinesWritten();
   size_t i = 0;

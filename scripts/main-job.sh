@@ -2,6 +2,14 @@
 # The main job: builds the add-in, registers it for the current user in a
 # Wine prefix, starts the simulated Word, which loads it as Office does,
 # and shows the add-in's log and a screenshot of what the user sees.
+if [ "${1:-}" = "--help" ]; then
+  cat <<'USAGE'
+usage: scripts/main-job.sh [--help]
+  builds the add-in, plays the main scenario in the simulated Word and Excel against the simulated
+  sync app, and leaves screenshots, report.docx, the log and a gallery in build/main-job/
+USAGE
+  exit 0
+fi
 set -eu
 root="$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)"
 cd "$root"

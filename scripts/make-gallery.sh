@@ -2,6 +2,13 @@
 # Cuts each state's overlay out of the main job's screenshots: one small
 # PNG per state, named for it, for docs/gallery/ and the README.
 #   scripts/make-gallery.sh [screenshots-folder] [gallery-folder]
+if [ "${1:-}" = "--help" ]; then
+  cat <<'USAGE'
+usage: scripts/make-gallery.sh [SCREENSHOTS-FOLDER] [GALLERY-FOLDER]
+  cuts each state's overlay out of the main job's screenshots (default build/main-job -> docs/gallery)
+USAGE
+  exit 0
+fi
 set -eu
 root="$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)"
 shots="${1:-$root/build/main-job}"

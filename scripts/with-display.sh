@@ -1,6 +1,14 @@
 #!/usr/bin/env bash
 # Runs a command with one private Xvfb screen (1280x800, or QSYNC_SCREEN) and one persistent wineserver
 # for the Wine prefix, both stopped afterwards.
+if [ "${1:-}" = "--help" ]; then
+  cat <<'USAGE'
+usage: scripts/with-display.sh COMMAND [ARGUMENTS...]
+  runs COMMAND with a private Xvfb screen (1280x800, or QSYNC_SCREEN) and one wineserver for
+  the prefix (QSYNC_WINEPREFIX, default build/windows/wineprefix), both stopped afterwards
+USAGE
+  exit 0
+fi
 set -u
 root="$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)"
 export QSYNC_WINEPREFIX="${QSYNC_WINEPREFIX:-$root/build/windows/wineprefix}"

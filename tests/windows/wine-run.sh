@@ -1,6 +1,10 @@
 #!/usr/bin/env bash
 # Runs a Windows program under Wine in the test prefix. CMake uses it as the
 # cross-compiling emulator, so ctest runs Windows tests through it.
+if [ "${1:-}" = "--help" ]; then
+  echo "usage: tests/windows/wine-run.sh PROGRAM.exe [ARGUMENTS...]  (in the tests' prefix, QSYNC_WINEPREFIX)"
+  exit 0
+fi
 set -eu
 here="$(cd "$(dirname "${BASH_SOURCE[0]}")" && pwd)"
 : "${QSYNC_WINEPREFIX:=$here/../../build/windows/wineprefix}"

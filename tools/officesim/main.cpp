@@ -163,6 +163,10 @@ int wmain(int argc, wchar_t** argv) {
       scriptPath = argv[++i];
     } else if (argument == L"--cycles" && i + 1 < argc) {
       cycles = _wtoi(argv[++i]);
+    } else if (argument == L"--help") {
+      std::printf("usage: WINWORD.EXE|EXCEL.EXE|POWERPNT.EXE|OUTLOOK.EXE [--script FILE] [--cycles N]\n"
+                  "The executable's name decides which Office host is played. See README.md.\n");
+      return 0;
     }
   }
   setvbuf(stdout, nullptr, _IONBF, 0);

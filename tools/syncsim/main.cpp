@@ -45,6 +45,10 @@ int wmain(int argc, wchar_t** argv) {
     std::printf("syncsim: %s\n%s", ToUtf8(error).c_str(), kSyncSimUsage);
     return 2;
   }
+  if (options.help) {
+    std::printf("%s", kSyncSimUsage);
+    return 0;
+  }
 
   Scenario scenario;
   std::wstring fixedAnswer;

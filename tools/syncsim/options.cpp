@@ -4,11 +4,12 @@
 #include <type_traits>
 
 const char* const kSyncSimUsage =
-    "usage: syncsim.exe [--pipe NAME] [--scenario FILE | --answer-file FILE]\n"
+    "usage: syncsim.exe [--help] [--pipe NAME] [--scenario FILE | --answer-file FILE]\n"
     "                   [--record FILE] [--record-raw FILE]\n"
     "                   [--delay MS] [--busy [--busy-ms MS]] [--instances N]\n"
     "                   [--cut-answer | --hang-up | --garbage | --never-answer]\n"
     "                   [--byte-mode] [--pad UNITS] [--lead HEX | --no-lead]\n"
+    "                   [--answer-every-request] [--hang-up-on NAME:VALUE]\n"
     "                   [--max-requests N] [--run-ms MS]\n"
     "                   [--ready-event NAME] [--stop-event NAME]\n"
     "see docs/syncsim.md\n";
@@ -48,7 +49,9 @@ bool ParseSyncSimOptions(int argc, wchar_t** argv, SyncSimOptions& options, std:
       return true;
     };
     bool ok = true;
-    if (argument == L"--pipe") {
+    if (argument == L"--help") {
+      options.help = true;
+    } else if (argument == L"--pipe") {
       ok = takeText(options.pipeName);
       // A bare name is taken as the part after "\\.\pipe\".
       if (ok && options.pipeName.rfind(L"\\\\", 0) != 0) options.pipeName = L"\\\\.\\pipe\\" + options.pipeName;
@@ -81,6 +84,16 @@ bool ParseSyncSimOptions(int argc, wchar_t** argv, SyncSimOptions& options, std:
       options.delivery = AnswerDelivery::Garbage;
     } else if (argument == L"--never-answer") {
       options.delivery = AnswerDelivery::NeverAnswer;
+    } else if (argument == L"--answer-every-request") {
+      options.answerEveryRequest = true;
+    } else if (argument == L"--hang-up-on") {
+      // NAME:VALUE stands for the request member "NAME":VALUE, written
+      // without quotes so it survives a command line.
+      std::wstring member;
+      ok = takeText(member);
+      const size_t colon = member.find(L':');
+      ok = ok && colon != std::wstring::npos && colon > 0;
+      if (ok) options.hangUpOn = L"\"" + member.substr(0, colon) + L"\":" + member.substr(colon + 1);
     } else if (argument == L"--byte-mode") {
       options.byteMode = true;
     } else if (argument == L"--pad") {

@@ -15,6 +15,7 @@ enum class AnswerDelivery {
 };
 
 struct SyncSimOptions {
+  bool help = false;      // print the usage and do nothing else
   std::wstring pipeName;  // full "\\.\pipe\..." name
   std::wstring scenarioFile;
   std::wstring answerFile;  // fixed answer text (UTF-8 file), replaces the scenario's
@@ -31,6 +32,12 @@ struct SyncSimOptions {
   DWORD instances = PIPE_UNLIMITED_INSTANCES;
   long maxRequests = 0;   // stop after this many requests (0: no limit)
   size_t padUnits = 0;    // adds "pad":"xxx..." of this length to every object
+  // Answers every request the client writes on one connection, instead of
+  // one request per connection as the real app does.
+  bool answerEveryRequest = false;
+  // Hangs up unanswered on a request that carries this member text
+  // (e.g. "uiHide":true), and only on those.
+  std::wstring hangUpOn;
   bool hasLeadUnit = true;
   wchar_t leadUnit = 0xFEFF;  // the unit written before the answer text
 };

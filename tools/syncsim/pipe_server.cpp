@@ -247,14 +247,23 @@ void PipeServer::Serve(HANDLE pipeHandle) {
     SetEvent(wakeEvent_.get());
     return;
   }
-  const long number = ++requestCount_;
-  const std::wstring request = RequestText(bytes);
-  std::printf("syncsim: request %ld: %zu bytes\n", number, bytes.size());
-  recorder_.Record(bytes, request);
+  // Normally one pass; with --answer-every-request, one per request the
+  // client writes on this connection.
+  for (;;) {
+    const long number = ++requestCount_;
+    const std::wstring request = RequestText(bytes);
+    std::printf("syncsim: request %ld: %zu bytes\n", number, bytes.size());
+    recorder_.Record(bytes, request);
 
-  if (options_.delivery == AnswerDelivery::NeverAnswer) {
-    HoldUnanswered(pipe.get(), ioEvent.get());
-  } else {
+    if (!options_.hangUpOn.empty() && request.find(options_.hangUpOn) != std::wstring::npos) {
+      DisconnectNamedPipe(pipe.get());
+      std::printf("syncsim: hung up on a request carrying %s\n", ToUtf8(options_.hangUpOn).c_str());
+      break;
+    }
+    if (options_.delivery == AnswerDelivery::NeverAnswer) {
+      HoldUnanswered(pipe.get(), ioEvent.get());
+      break;
+    }
     std::wstring answer;
     {
       std::lock_guard<std::mutex> lock(answerLock_);
@@ -267,7 +276,13 @@ void PipeServer::Serve(HANDLE pipeHandle) {
     DWORD delay = options_.delayMs;
     if (delay == 0 && options_.delivery == AnswerDelivery::CutMidAnswer) delay = kCutAfterMs;
     if (delay > 0) Sleep(delay);
-    Deliver(pipe.get(), ioEvent.get(), message);
+    Deliver(pipe.get(), ioEvent.get(), message, !options_.answerEveryRequest);
+    if (!options_.answerEveryRequest) break;
+    bytes.clear();
+    if (!ReadRequestBytes(pipe.get(), ioEvent.get(), bytes)) {
+      DisconnectNamedPipe(pipe.get());
+      break;
+    }
   }
   ++servedCount_;
   SetEvent(wakeEvent_.get());
@@ -295,7 +310,7 @@ void PipeServer::HoldUnanswered(HANDLE pipe, HANDLE ioEvent) {
                          : "syncsim: left a request unanswered\n");
 }
 
-void PipeServer::Deliver(HANDLE pipe, HANDLE ioEvent, const std::wstring& message) {
+void PipeServer::Deliver(HANDLE pipe, HANDLE ioEvent, const std::wstring& message, bool awaitHangUp) {
   if (options_.delivery == AnswerDelivery::HangUpUnanswered) {
     DisconnectNamedPipe(pipe);
     std::printf("syncsim: hung up without an answer\n");
@@ -324,6 +339,7 @@ void PipeServer::Deliver(HANDLE pipe, HANDLE ioEvent, const std::wstring& messag
   } else {
     std::printf("syncsim: answered %lu bytes\n", written);
   }
+  if (!awaitHangUp) return;
   // The client closes its end once it has read the answer; the connection
   // ends then, not before, so no unread answer is thrown away.
   char unused = 0;

@@ -36,7 +36,8 @@ class PipeServer {
   bool HoldBusy();
   void AnnounceReady(const char* how);
   void Serve(HANDLE pipe);
-  void Deliver(HANDLE pipe, HANDLE ioEvent, const std::wstring& message);
+  // With awaitHangUp, waits for the client to close its end and disconnects.
+  void Deliver(HANDLE pipe, HANDLE ioEvent, const std::wstring& message, bool awaitHangUp);
   void HoldUnanswered(HANDLE pipe, HANDLE ioEvent);
 
   const SyncSimOptions& options_;
