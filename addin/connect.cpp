@@ -1,5 +1,6 @@
 #include "addin/connect.h"
 
+#include <algorithm>
 #include <new>
 
 #include "addin/connection_state.h"
@@ -30,6 +31,12 @@ namespace {
 // TerminateThread returns before the thread has ended; ending it takes no
 // more than a moment, so this only bounds a wait that should never last.
 constexpr DWORD kThreadGoneWaitMs = 1000;
+// Office flags an add-in whose disconnection takes more than 500 ms; this
+// leaves room for what follows the wait for the update thread.
+constexpr ULONGLONG kDisconnectionBudgetMs = 450;
+// The least the update thread is given to leave, however long the rest
+// took: a thread ended from outside may leave a lock behind.
+constexpr DWORD kThreadLeaveMinimumMs = 50;
 
 // The five extensibility methods as late-bound callers name them.
 struct ExtensibilityMember {
@@ -266,6 +273,7 @@ void CConnect::StartRunningParts() {
 
 HRESULT CConnect::OnDisconnection(int, SAFEARRAY**) {
   connected_ = false;
+  disconnectionStart_ = GetTickCount64();
   Guarded(L"office app tries to disconnect", 0, [&] {
     WriteLog(LogLevel::Info, L"office app disconnects");
     // Asked to leave first: a thread waiting for a sync app that does not
@@ -312,7 +320,11 @@ void CConnect::StopRunningParts() {
   }
 
   if (EventUpdateThreadHandle) {
-    if (!AwaitEventUpdateThreadEnd(EventUpdateThreadHandle.get())) {
+    // Asked to leave when the disconnection began, it has normally long
+    // gone; it gets what is left of the budget.
+    const ULONGLONG spent = GetTickCount64() - disconnectionStart_;
+    const DWORD left = spent >= kDisconnectionBudgetMs ? 0 : static_cast<DWORD>(kDisconnectionBudgetMs - spent);
+    if (!AwaitEventUpdateThreadEnd(EventUpdateThreadHandle.get(), std::max(left, kThreadLeaveMinimumMs))) {
       LogLastError(L"couldn't stop ms office event update thread");
     } else {
       WriteLog(LogLevel::Info, L"stopped event update thread");

@@ -57,4 +57,7 @@ class CConnect final : public IConnect, public _IDTExtensibility2 {
   // after a failed connection never calls OnDisconnection, and what the
   // connection set up must not outlive the object (nor the DLL).
   bool connected_ = false;
+  // When OnDisconnection began: the wait for the update thread gets what
+  // is left of Office's 500 ms.
+  ULONGLONG disconnectionStart_ = 0;
 };

@@ -6,6 +6,7 @@
 #include "overlay/overlay_windows.h"
 #include "synclink/file_status_cache.h"
 #include "synclink/sync_app_pipe.h"
+#include "synclink/undelivered_closes.h"
 
 void OnFileClosing(ComPtr<IDispatch> document) {
   static DispatchName fullName(L"FullName");
@@ -30,6 +31,14 @@ void OnFileClosing(ComPtr<IDispatch> document) {
   DestroyRecordOverlays(path);
   // One step: no longer open, shown as nothing, its last request built
   // (saying "isOpen":false) and the record gone.
-  const std::wstring request = cache.CloseRecord(path);
-  TheSyncAppPipe().Exchange(request);
+  std::uint64_t closeId = 0;
+  const std::wstring request = cache.CloseRecord(path, &closeId);
+  if (request.empty()) return;
+  // Office waits for this exchange, within its bound. A close the sync app
+  // did not answer is kept, and the update thread's next request carries it
+  // until the sync app answers again.
+  const std::wstring answer = TheSyncAppPipe().Exchange(request);
+  const bool delivered = AnswerConfirmsRequest(answer);
+  cache.SettleCloses({closeId}, delivered);
+  if (!delivered) WriteLog(LogLevel::Warning, L"close not delivered to sync app, kept for the next request - " + path);
 }

@@ -7,16 +7,17 @@ HANDLE CacheMutex() {
 
 // Both sides ignore the wait's outcome and release afterwards, as the
 // cache's design expects; a release of a mutex not owned simply fails.
-UpdateThreadCacheLock::UpdateThreadCacheLock(HANDLE stopEvent) {
+UpdateThreadCacheLock::UpdateThreadCacheLock(HANDLE stopEvent, HANDLE giveWay) {
   HANDLE mutex = CacheMutex();
   if (mutex == nullptr) return;
-  if (stopEvent == nullptr) {
-    WaitForSingleObject(mutex, 5000);
-    return;
-  }
-  // The stop event first: when both are signalled the lock is not taken.
-  const HANDLE waits[] = {stopEvent, mutex};
-  WaitForMultipleObjects(2, waits, FALSE, 5000);
+  // The events first: when one of them and the lock are signalled, the
+  // lock is not taken.
+  HANDLE waits[3];
+  DWORD count = 0;
+  if (stopEvent != nullptr) waits[count++] = stopEvent;
+  if (giveWay != nullptr) waits[count++] = giveWay;
+  waits[count++] = mutex;
+  WaitForMultipleObjects(count, waits, FALSE, 5000);
 }
 UpdateThreadCacheLock::~UpdateThreadCacheLock() {
   if (HANDLE mutex = CacheMutex()) ReleaseMutex(mutex);

@@ -8,10 +8,11 @@ HANDLE CacheMutex();
 
 // The update thread around building its request: up to 5 s, then on
 // regardless. A stop event, when given, cuts the wait short: the thread is
-// leaving and its request will not be sent.
+// leaving and its request will not be sent; so does `giveWay`, signalled
+// when an exchange of the UI thread wants the pipe first.
 class UpdateThreadCacheLock {
  public:
-  explicit UpdateThreadCacheLock(HANDLE stopEvent = nullptr);
+  explicit UpdateThreadCacheLock(HANDLE stopEvent = nullptr, HANDLE giveWay = nullptr);
   ~UpdateThreadCacheLock();
   UpdateThreadCacheLock(const UpdateThreadCacheLock&) = delete;
   UpdateThreadCacheLock& operator=(const UpdateThreadCacheLock&) = delete;

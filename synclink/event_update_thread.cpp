@@ -10,11 +10,6 @@
 
 namespace {
 constexpr DWORD kUpdatePeriodMs = 4000;
-// How long disconnection waits for the thread to leave once asked. Every
-// wait of the thread watches the stop event, so it leaves within a few
-// milliseconds; the bound is for the unforeseen, where Office must not hang.
-constexpr DWORD kStopWaitMs = 1000;
-
 std::atomic<int> g_terminations{0};
 
 // Private to this process: unlike the shared immediate-update event,
@@ -29,7 +24,7 @@ DWORD WINAPI EventUpdateThreadProc(LPVOID) {
   WriteLog(LogLevel::Info, L"event update thread starts");
   for (;;) {
     WriteLog(LogLevel::Debug, L"event update thread running");
-    GuardedVoid(L"updating cache data", [] { RunUpdateCycle(ExchangeBounds{kUpdateExchangeLimitMs, StopEvent()}); });
+    GuardedVoid(L"updating cache data", [] { RunUpdateCycle(ExchangeBounds{kUpdateExchangeLimitMs, StopEvent(), true}); });
     const HANDLE immediate = ImmediateUpdateEvent.get();
     HANDLE waits[] = {StopEvent(), immediate};
     const DWORD woken = WaitForMultipleObjects(immediate ? 2 : 1, waits, FALSE, kUpdatePeriodMs);
@@ -42,8 +37,11 @@ DWORD WINAPI EventUpdateThreadProc(LPVOID) {
 
 void RequestEventUpdateThreadStop() { SetEvent(StopEvent()); }
 
-bool AwaitEventUpdateThreadEnd(HANDLE thread) {
-  bool ended = WaitForSingleObject(thread, kStopWaitMs) == WAIT_OBJECT_0;
+// Every wait of the thread watches the stop event, so it leaves within a
+// few milliseconds of being asked (on a busy machine, a good many more);
+// the bound is for the unforeseen, where Office must not hang.
+bool AwaitEventUpdateThreadEnd(HANDLE thread, DWORD waitMs) {
+  bool ended = WaitForSingleObject(thread, waitMs) == WAIT_OBJECT_0;
   if (!ended) {
     // Stuck where no wait of ours is: ending it may leave a lock it held
     // behind, which is still better than Office waiting for it.
@@ -58,7 +56,7 @@ bool AwaitEventUpdateThreadEnd(HANDLE thread) {
 
 bool StopEventUpdateThread(HANDLE thread) {
   RequestEventUpdateThreadStop();
-  return AwaitEventUpdateThreadEnd(thread);
+  return AwaitEventUpdateThreadEnd(thread, 1000);
 }
 
 int EventUpdateThreadTerminations() { return g_terminations.load(); }

@@ -14,7 +14,9 @@ void RequestEventUpdateThreadStop();
 // by then is terminated, as a last resort. False (with the last error set)
 // when the thread could not be ended. Leaves the stop request withdrawn for
 // the next connection's thread.
-bool AwaitEventUpdateThreadEnd(HANDLE thread);
+// `waitMs`: how long, at most, before that last resort (disconnection
+// passes what is left of Office's 500 ms).
+bool AwaitEventUpdateThreadEnd(HANDLE thread, DWORD waitMs = 1000);
 // Both steps at once, for an ending with nothing to do in between.
 bool StopEventUpdateThread(HANDLE thread);
 

@@ -66,12 +66,15 @@ int FileStatusCache::AddFile(const std::wstring& path, HWND hostWindow, std::uin
     record.isEditing = isEditing;
     record.document = ComPtr<IDispatch>(document);
     FileStatusRecord replaced;  // released outside the lock
+    bool closeWithdrawn = false;
     {
       Lock lock(lock_);
       FileStatusRecord& stored = records_[path];
       replaced = std::move(stored);
       stored = std::move(record);
+      closeWithdrawn = undeliveredCloses_.Forget(path);
     }
+    if (closeWithdrawn) WriteLog(LogLevel::Info, L"undelivered close withdrawn, file open again - " + path);
     WriteLog(LogLevel::Info, L"file info stored in cache - " + path);
     return 1;
   });
@@ -159,10 +162,11 @@ int FileStatusCache::RemoveFile(const std::wstring& path) {
   });
 }
 
-std::wstring FileStatusCache::CloseRecord(const std::wstring& path) {
+std::wstring FileStatusCache::CloseRecord(const std::wstring& path, std::uint64_t* closeId) {
   std::wstring request;
   std::exception_ptr failure;  // logged once the lock is let go
   std::optional<FileStatusRecord> erased;
+  std::vector<std::wstring> forgotten;
   {
     Lock lock(lock_);
     const auto found = records_.find(path);
@@ -173,7 +177,12 @@ std::wstring FileStatusCache::CloseRecord(const std::wstring& path) {
     found->second.isOpen = 0;
     found->second.overlayKind = 0;
     try {
-      request = BuildRequestLocked(path, false);
+      std::wstring fileObject;
+      AppendRequestObject(fileObject, path, found->second, false, OfficeApp);
+      request = kRequestStart + fileObject + kRequestEnd;
+      // Kept until an answer shows the sync app has heard it.
+      const std::uint64_t id = undeliveredCloses_.Keep(path, std::move(fileObject), forgotten);
+      if (closeId != nullptr) *closeId = id;
     } catch (...) {
       failure = std::current_exception();
     }
@@ -185,8 +194,39 @@ std::wstring FileStatusCache::CloseRecord(const std::wstring& path) {
       std::rethrow_exception(failure);
     });
   }
+  for (const std::wstring& lost : forgotten) {
+    WriteLog(LogLevel::Error, L"too many undelivered closes, the oldest is dropped - " + lost);
+  }
   WriteLog(LogLevel::Info, L"file info removed from cache - " + path);
   return request;
+}
+
+std::wstring FileStatusCache::BuildUpdateRequest(std::vector<std::uint64_t>& carriedCloses) const {
+  return Guarded(L"getting all cache data", std::wstring(L"ERROR"), [&] {
+    Lock lock(lock_);
+    if (undeliveredCloses_.size() == 0) return BuildRequestLocked(L"", false);
+    std::wstring request = BuildRequestLocked(L"", false);
+    request.resize(request.size() - std::char_traits<wchar_t>::length(kRequestEnd));
+    request.reserve(request.size() + undeliveredCloses_.AppendedLength() + 2);
+    undeliveredCloses_.AppendTo(request, records_.size(), carriedCloses);
+    request += kRequestEnd;
+    return request;
+  });
+}
+
+std::vector<std::wstring> FileStatusCache::SettleCloses(const std::vector<std::uint64_t>& ids, bool answered) {
+  return Guarded(L"settling undelivered closes", std::vector<std::wstring>(), [&] {
+    std::vector<std::wstring> delivered;
+    if (ids.empty()) return delivered;
+    Lock lock(lock_);
+    undeliveredCloses_.Settle(ids, answered, delivered);
+    return delivered;
+  });
+}
+
+size_t FileStatusCache::UndeliveredCloseCount() const {
+  Lock lock(lock_);
+  return undeliveredCloses_.size();
 }
 
 std::wstring FileStatusCache::BuildRequest(const std::wstring& onlyPath, std::uint32_t includeUiHide) const {

@@ -19,6 +19,7 @@
 
 #include "synclink/file_status_record.h"
 #include "synclink/record_lock.h"
+#include "synclink/undelivered_closes.h"
 
 class FileStatusCache {
  public:
@@ -61,7 +62,19 @@ class FileStatusCache {
   // nothing, builds its last request (which says "isOpen":false) and erases
   // the record, logging it. The request text, or "ERROR" when it could not
   // be built; empty when there was no record.
-  std::wstring CloseRecord(const std::wstring& path);
+  // The close is also kept among the undelivered closes until
+  // SettleCloses hears its exchange was answered; `closeId` (optional)
+  // names it there.
+  std::wstring CloseRecord(const std::wstring& path, std::uint64_t* closeId = nullptr);
+  // The update thread's request (and the last one at disconnection): every
+  // record, without uiHide, then every close not yet delivered, whose ids
+  // go to `carriedCloses`.
+  std::wstring BuildUpdateRequest(std::vector<std::uint64_t>& carriedCloses) const;
+  // An exchange that carried the closes `ids` ended; `answered`: the sync
+  // app answered it. Answered closes are done (their paths are returned);
+  // the others stay for the next update request.
+  std::vector<std::wstring> SettleCloses(const std::vector<std::uint64_t>& ids, bool answered);
+  size_t UndeliveredCloseCount() const;
   // At disconnection: hands every record's path to `destroyWindows` (the
   // overlay's, which lives above this layer), sends the sync app a last
   // request for all files and empties the cache.
@@ -80,6 +93,7 @@ class FileStatusCache {
   std::wstring BuildRequestLocked(const std::wstring& onlyPath, bool includeUiHide) const;
 
   std::map<std::wstring, FileStatusRecord> records_;
+  UndeliveredCloses undeliveredCloses_;
   mutable RecordLock lock_;
 };
 

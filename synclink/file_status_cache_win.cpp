@@ -4,6 +4,7 @@
 #include <map>
 #include <mutex>
 #include <utility>
+#include <vector>
 
 #include "log/exception_barrier.h"
 #include "synclink/file_status_cache.h"
@@ -15,10 +16,16 @@ int FileStatusCache::RemoveAll(WindowDestroyer destroyWindows) {
       if (destroyWindows) destroyWindows(path);
       WriteLog(LogLevel::Info, L"file info removed from cache - " + path);
     }
-    // The sync app learns of every file one last time; its answer no
-    // longer matters. Built in the exchange's turn, so it comes after
-    // whatever the update thread built before it.
-    TheSyncAppPipe().Exchange([this] { return BuildRequest(L"", 0); }, kUiExchangeBounds);
+    // The sync app learns of every file one last time, and of the closes
+    // it has not heard of yet; its answer no longer matters, and Office is
+    // not kept waiting for one that does not come. Built in the exchange's
+    // turn, so it comes after whatever the update thread built before it.
+    std::vector<std::uint64_t> carriedCloses;
+    const std::wstring answer =
+        TheSyncAppPipe().Exchange([&] { return BuildUpdateRequest(carriedCloses); }, kLastRequestBounds);
+    // Closes still undelivered stay: a later connection in this process
+    // carries them.
+    SettleCloses(carriedCloses, AnswerConfirmsRequest(answer));
     std::map<std::wstring, FileStatusRecord> erased;  // documents released outside the lock
     {
       std::lock_guard<RecordLock> lock(lock_);

@@ -45,10 +45,12 @@ class SyncAppPipe::Deadline {
 };
 
 namespace {
-// Owns the exchange lock for one exchange, if it came in time.
+// Owns the exchange lock for one exchange, if it came in time. With
+// `askToGiveWay`, a holder that has not let go within the grace is asked to
+// give way (the event stays set until this wait ends).
 class ExchangeTurn {
  public:
-  ExchangeTurn(HANDLE lock, HANDLE stopEvent, DWORD timeoutMs) : lock_(lock) {
+  ExchangeTurn(HANDLE lock, HANDLE stopEvent, HANDLE askToGiveWay, DWORD timeoutMs) : lock_(lock) {
     if (lock_ == nullptr) {
       state_ = State::Unguarded;
       return;
@@ -60,7 +62,20 @@ class ExchangeTurn {
     if (stopEvent != nullptr) waits[count++] = stopEvent;
     const DWORD lockIndex = count;
     waits[count++] = lock_;
-    const DWORD woken = WaitForMultipleObjects(count, waits, FALSE, timeoutMs);
+    DWORD woken = WAIT_TIMEOUT;
+    if (askToGiveWay != nullptr && timeoutMs > SyncAppPipe::kGiveWayGraceMs) {
+      const ULONGLONG start = GetTickCount64();
+      woken = WaitForMultipleObjects(count, waits, FALSE, SyncAppPipe::kGiveWayGraceMs);
+      if (woken == WAIT_TIMEOUT) {
+        SetEvent(askToGiveWay);
+        const ULONGLONG waited = GetTickCount64() - start;
+        const DWORD left = waited >= timeoutMs ? 0 : static_cast<DWORD>(timeoutMs - waited);
+        woken = WaitForMultipleObjects(count, waits, FALSE, left);
+        ResetEvent(askToGiveWay);
+      }
+    } else {
+      woken = WaitForMultipleObjects(count, waits, FALSE, timeoutMs);
+    }
     if (woken == WAIT_OBJECT_0 + lockIndex) {
       state_ = State::Owned;
     } else if (woken == WAIT_ABANDONED_0 + lockIndex) {
@@ -95,21 +110,57 @@ std::wstring SyncAppPipe::Exchange(const std::wstring& request) {
   return Exchange([&] { return request; }, kUiExchangeBounds);
 }
 
-std::wstring SyncAppPipe::Exchange(const std::function<std::wstring()>& buildRequest, const ExchangeBounds& bounds) {
+std::wstring SyncAppPipe::Exchange(const std::function<std::wstring()>& buildRequest, const ExchangeBounds& bounds,
+                                   ExchangeEnd* end) {
+  ExchangeEnd ignored = ExchangeEnd::Failed;
+  ExchangeEnd& ended = end != nullptr ? *end : ignored;
   const Deadline deadline(bounds.limitMs);
-  const ExchangeTurn turn(exchangeLock_.get(), bounds.stopEvent, deadline.Left());
-  if (turn.stopped()) return L"ERROR";
+  // Only an exchange that does not give way itself asks others to.
+  const ExchangeTurn turn(exchangeLock_.get(), bounds.stopEvent,
+                          bounds.givesWayToUi ? nullptr : giveWayEvent_.get(), deadline.Left());
+  if (turn.stopped()) {
+    ended = ExchangeEnd::Stopped;
+    return L"ERROR";
+  }
   if (turn.timedOut()) {
     // Another exchange kept the pipe all this time; nothing was tried on it.
     WriteLog(LogLevel::Error, ErrorText(L"Wait time over, could not open pipe. errcode=", WAIT_TIMEOUT));
+    ended = ExchangeEnd::TimedOut;
     return L"ERROR";
   }
+  // The turn is ours: the fields of the exchange in turn are ours too.
+  giveWayWatch_ = bounds.givesWayToUi ? giveWayEvent_.get() : nullptr;
+  cutShort_ = ExchangeEnd::Failed;
   if (turn.abandoned()) TakeOverAbandonedExchange();
+  // A UI exchange came while this one waited for its turn: it goes first.
+  if (AskedToGiveWay()) {
+    ended = ExchangeEnd::GaveWay;
+    return L"ERROR";
+  }
   const std::wstring answer = Guarded(L"communicating with sync app", std::wstring(L"ERROR"), [&] {
-    return ExchangeInTurn(buildRequest(), bounds.stopEvent, deadline);
+    std::wstring request = buildRequest();
+    // Asked while the request was built (the update thread waits for the
+    // cache lock there): nothing was sent yet, nothing is.
+    if (AskedToGiveWay()) {
+      cutShort_ = ExchangeEnd::GaveWay;
+      return std::wstring(L"ERROR");
+    }
+    return ExchangeInTurn(request, bounds.stopEvent, deadline);
   });
   if (answer == L"ERROR") Close();  // also after an exception
+  ended = EndOf(answer, bounds.stopEvent);
+  giveWayWatch_ = nullptr;
   return answer;
+}
+
+bool SyncAppPipe::AskedToGiveWay() const { return IsSignalled(giveWayWatch_); }
+
+ExchangeEnd SyncAppPipe::EndOf(const std::wstring& answer, HANDLE stopEvent) const {
+  if (answer != L"ERROR") return ExchangeEnd::Answered;
+  if (cutShort_ != ExchangeEnd::Failed) return cutShort_;
+  // Seen after the request was built: nothing was sent.
+  if (IsSignalled(stopEvent)) return ExchangeEnd::Stopped;
+  return ExchangeEnd::Failed;
 }
 
 // The thread of the previous exchange was ended inside it (disconnection's
@@ -202,15 +253,29 @@ bool SyncAppPipe::Open(HANDLE stopEvent, const Deadline& deadline) {
 DWORD SyncAppPipe::WaitForFreeInstance(HANDLE stopEvent, const Deadline& deadline) {
   // Never 0: to WaitNamedPipeW that means the server's default time-out.
   const DWORD budget = std::max<DWORD>(1, std::min<DWORD>(5000, deadline.Left()));
-  if (stopEvent == nullptr) return WaitNamedPipeW(pipeName_.c_str(), budget) ? ERROR_SUCCESS : GetLastError();
+  // Past the exchange's own limit, not the sync app's five seconds.
+  const auto timedOut = [&](DWORD error) {
+    if (error == ERROR_SEM_TIMEOUT && deadline.Left() == 0) cutShort_ = ExchangeEnd::TimedOut;
+    return error;
+  };
+  if (stopEvent == nullptr && giveWayWatch_ == nullptr) {
+    return WaitNamedPipeW(pipeName_.c_str(), budget) ? ERROR_SUCCESS : timedOut(GetLastError());
+  }
   const ULONGLONG end = GetTickCount64() + budget;
   for (;;) {
-    if (IsSignalled(stopEvent)) return ERROR_OPERATION_ABORTED;
+    if (IsSignalled(stopEvent)) {
+      cutShort_ = ExchangeEnd::Stopped;
+      return ERROR_OPERATION_ABORTED;
+    }
+    if (AskedToGiveWay()) {
+      cutShort_ = ExchangeEnd::GaveWay;
+      return ERROR_OPERATION_ABORTED;
+    }
     const ULONGLONG now = GetTickCount64();
     const DWORD left = now >= end ? 1 : static_cast<DWORD>(end - now);
     if (WaitNamedPipeW(pipeName_.c_str(), std::min(kBusyWaitSliceMs, left))) return ERROR_SUCCESS;
     const DWORD error = GetLastError();
-    if (error != ERROR_SEM_TIMEOUT || GetTickCount64() >= end) return error;
+    if (error != ERROR_SEM_TIMEOUT || GetTickCount64() >= end) return timedOut(error);
   }
 }
 
@@ -224,11 +289,27 @@ DWORD SyncAppPipe::Finish(BOOL started, DWORD& bytes, HANDLE stopEvent, const De
   if (!started) {
     const DWORD error = GetLastError();
     if (error == ERROR_IO_PENDING) {
-      const HANDLE waits[] = {overlapped_.hEvent, stopEvent};
-      const DWORD woken = WaitForMultipleObjects(stopEvent != nullptr ? 2 : 1, waits, FALSE, deadline.Left());
-      if (woken != WAIT_OBJECT_0) CancelIoEx(pipeHandle_, &overlapped_);
+      HANDLE waits[3] = {overlapped_.hEvent};
+      DWORD count = 1;
+      const DWORD stopIndex = count;
+      if (stopEvent != nullptr) waits[count++] = stopEvent;
+      if (giveWayWatch_ != nullptr) waits[count++] = giveWayWatch_;
+      const DWORD woken = WaitForMultipleObjects(count, waits, FALSE, deadline.Left());
+      if (woken == WAIT_OBJECT_0) {
+        return GetOverlappedResult(pipeHandle_, &overlapped_, &bytes, TRUE) ? ERROR_SUCCESS : GetLastError();
+      }
+      CancelIoEx(pipeHandle_, &overlapped_);
       // Waits for the cancellation to land, or takes what came just before it.
-      return GetOverlappedResult(pipeHandle_, &overlapped_, &bytes, TRUE) ? ERROR_SUCCESS : GetLastError();
+      if (GetOverlappedResult(pipeHandle_, &overlapped_, &bytes, TRUE)) return ERROR_SUCCESS;
+      const DWORD cancelled = GetLastError();
+      if (woken == WAIT_TIMEOUT) {
+        cutShort_ = ExchangeEnd::TimedOut;
+      } else if (stopEvent != nullptr && woken == WAIT_OBJECT_0 + stopIndex) {
+        cutShort_ = ExchangeEnd::Stopped;
+      } else if (giveWayWatch_ != nullptr && woken == WAIT_OBJECT_0 + count - 1) {
+        cutShort_ = ExchangeEnd::GaveWay;
+      }
+      return cancelled;
     }
     // Done at once with part of a message: the bytes are in the buffer.
     if (error != ERROR_MORE_DATA) return error;

@@ -23,10 +23,31 @@ struct ExchangeBounds {
   // Optional: when signalled, the exchange ends at once (the update thread
   // passes its stop event so that disconnection never waits for an answer).
   HANDLE stopEvent = nullptr;
+  // The update thread's exchanges give way to Office's UI thread: once an
+  // exchange of the UI thread has waited kGiveWayGraceMs for its turn, this
+  // one ends wherever it is (its I/O cancelled) and the UI's goes first. A
+  // sync app that hangs then keeps the UI waiting for its own exchange
+  // only, never for the update thread's.
+  bool givesWayToUi = false;
 };
 
-// What Office's UI thread may be kept waiting by one exchange.
-constexpr ExchangeBounds kUiExchangeBounds{5000, nullptr};
+// What Office's UI thread may be kept waiting by one exchange (a close, a
+// panel's button): well inside the second after which a user sees Office
+// hang.
+constexpr ExchangeBounds kUiExchangeBounds{700, nullptr};
+// The last request when Office unloads the add-in: Office flags an add-in
+// whose shutdown takes more than 500 ms as slow, and may disable it.
+constexpr ExchangeBounds kLastRequestBounds{250, nullptr};
+
+// How an exchange ended, for a caller that must tell the sync app's own
+// failure from an exchange that was merely not waited for.
+enum class ExchangeEnd {
+  Answered,  // an answer came, whatever it says
+  Failed,    // the sync app failed it: no pipe, busy too long, refused, hung up, cut
+  TimedOut,  // the exchange's own time ran out first: nothing learnt about the sync app
+  Stopped,   // its stop event ended it
+  GaveWay,   // it gave the pipe to an exchange of the UI thread
+};
 
 class SyncAppPipe {
  public:
@@ -34,6 +55,10 @@ class SyncAppPipe {
   // WaitNamedPipeW cannot be interrupted: with a stop event to watch, a busy
   // pipe is waited for in slices this long.
   static constexpr DWORD kBusyWaitSliceMs = 100;
+  // How long an exchange of the UI thread waits for the update thread's to
+  // end by itself (a healthy sync app answers well within it) before asking
+  // it to give way.
+  static constexpr DWORD kGiveWayGraceMs = 50;
 
   // The whole answer, or "ERROR" when anything failed (logged), within the
   // UI's bound.
@@ -42,8 +67,14 @@ class SyncAppPipe {
   // and lets the turn go: requests reach the sync app in the order they
   // were built, so a stale state never arrives after a newer one. "ERROR"
   // without a word in the log when the stop event ended the wait for the
-  // turn (the request was not even built).
-  std::wstring Exchange(const std::function<std::wstring()>& buildRequest, const ExchangeBounds& bounds);
+  // turn (the request was not even built). `end` (optional) says how it
+  // ended.
+  std::wstring Exchange(const std::function<std::wstring()>& buildRequest, const ExchangeBounds& bounds,
+                        ExchangeEnd* end = nullptr);
+  // Signalled while an exchange of the UI thread waits for an exchange
+  // that gives way to it: the update thread's other waits (the cache lock
+  // around building its request) watch it too.
+  HANDLE GiveWayRequest() const { return giveWayEvent_.get(); }
   void Close();
 
   const std::wstring& pipeName() const { return pipeName_; }
@@ -53,6 +84,8 @@ class SyncAppPipe {
  private:
   class Deadline;
   void TakeOverAbandonedExchange();
+  ExchangeEnd EndOf(const std::wstring& answer, HANDLE stopEvent) const;
+  bool AskedToGiveWay() const;
   std::wstring ExchangeInTurn(const std::wstring& request, HANDLE stopEvent, const Deadline& deadline);
   bool Open(HANDLE stopEvent, const Deadline& deadline);
   DWORD WaitForFreeInstance(HANDLE stopEvent, const Deadline& deadline);
@@ -69,6 +102,14 @@ class SyncAppPipe {
   // the buffers live here, not on a stack: I/O of a thread that was ended
   // must not complete into memory that is gone.
   UniqueHandle ioEvent_{CreateEventW(nullptr, TRUE, FALSE, nullptr)};
+  // Set by a UI exchange that waits for one that gives way, reset once it
+  // has its turn. Watched, during the exchange in turn, through
+  // giveWayWatch_ (null for an exchange that does not give way).
+  UniqueHandle giveWayEvent_{CreateEventW(nullptr, TRUE, FALSE, nullptr)};
+  HANDLE giveWayWatch_ = nullptr;
+  // Why the exchange in turn was cut short, if it was: TimedOut, Stopped
+  // or GaveWay; Failed while nothing cut it.
+  ExchangeEnd cutShort_ = ExchangeEnd::Failed;
   OVERLAPPED overlapped_ = {};
   HANDLE pipeHandle_ = nullptr;
   std::wstring pipeName_;

@@ -1,21 +1,51 @@
 #include "synclink/update_cycle.h"
 
+#include <cstdint>
+#include <vector>
+
+#include "log/write_log.h"
 #include "synclink/answer_apply.h"
 #include "synclink/answer_parser.h"
 #include "synclink/cache_mutex.h"
 #include "synclink/file_status_cache.h"
+#include "synclink/undelivered_closes.h"
 
-void RunUpdateCycle(const ExchangeBounds& bounds) {
+ExchangeEnd RunUpdateCycle(const ExchangeBounds& bounds) {
   FileStatusCache& cache = TheFileStatusCache();
-  const std::wstring answer = TheSyncAppPipe().Exchange(
+  SyncAppPipe& pipe = TheSyncAppPipe();
+  std::vector<std::uint64_t> carriedCloses;
+  ExchangeEnd end = ExchangeEnd::Failed;
+  const std::wstring answer = pipe.Exchange(
       [&] {
-        UpdateThreadCacheLock lock(bounds.stopEvent);  // only while the request is built
-        return cache.BuildRequest(L"", 0);
+        // Only while the request is built; a UI exchange waiting for the
+        // pipe ends this wait as well.
+        UpdateThreadCacheLock lock(bounds.stopEvent, bounds.givesWayToUi ? pipe.GiveWayRequest() : nullptr);
+        return cache.BuildUpdateRequest(carriedCloses);
       },
-      bounds);
-  // Disconnection asked the thread to stop: the cache is about to be
-  // emptied, and an exchange that was cut short says nothing about the
-  // sync app.
-  if (bounds.stopEvent != nullptr && WaitForSingleObject(bounds.stopEvent, 0) == WAIT_OBJECT_0) return;
+      bounds, &end);
+  for (const std::wstring& path : cache.SettleCloses(carriedCloses, AnswerConfirmsRequest(answer))) {
+    WriteLog(LogLevel::Info, L"undelivered close now delivered to sync app - " + path);
+  }
+  switch (end) {
+    case ExchangeEnd::Stopped:
+      // Disconnection: the cache is about to be emptied.
+      return end;
+    case ExchangeEnd::GaveWay:
+      // Nothing was learnt about the files: what the overlays show stays.
+      WriteLog(LogLevel::Info, L"update exchange gave way to the UI thread, shown state kept");
+      return end;
+    case ExchangeEnd::TimedOut:
+      // The sync app took the request and did not answer in time: no word
+      // on the files either way, so the overlays keep what they show
+      // rather than all vanishing.
+      WriteLog(LogLevel::Warning, L"no answer from sync app in time, shown state kept");
+      return end;
+    case ExchangeEnd::Answered:
+    case ExchangeEnd::Failed:
+      break;
+  }
+  // An answer, or the sync app's own failure (no pipe, cut, garbage): that
+  // is its word, and "no files" clears what is shown.
   ApplyAnswer(cache, ParseAnswer(answer));
+  return end;
 }

@@ -8,6 +8,7 @@
 #include "common/com_ptr.h"
 #include "common/unique_resource.h"
 #include "tests/caller.h"
+#include "tests/windows/in_process_host.h"
 #include "tests/windows/sync_sim_process.h"
 #include "tests/windows/wine_test_support.h"
 
@@ -117,35 +118,117 @@ TEST_F(Connection, GoesOnWithoutTheImmediateUpdateEvent) {
   EXPECT_EQ(MessagesOfThread(lines, "EvntUpdate").at(0), "event update thread starts");
 }
 
-TEST_F(Connection, DisconnectionEndsWithinItsBoundWhileTheSyncAppNeverAnswers) {
-  const std::wstring requests = FreshTempPath(L"connection-unanswered-requests.txt");
-  SyncSimProcess syncApp;
-  ASSERT_TRUE(syncApp.Start(L"--never-answer --record " + Quoted(requests)));
-  // Word runs long enough for the update thread's first request to be
-  // waiting for its answer when Word exits.
-  const std::wstring script = FreshTempPath(L"connection-unanswered-script.txt");
+namespace {
+// Office flags an add-in whose shutdown takes longer, and one whose
+// start-up takes more than a second.
+constexpr double kShutdownLimitMs = 500;
+constexpr double kStartupLimitMs = 1000;
+
+// How long the simulated host says one of the add-in's methods took, or -1.
+double MethodMs(const ProcessResult& run, const std::string& method) {
+  std::smatch took;
+  if (!std::regex_search(run.output, took, std::regex(method + " returned 0x00000000 in ([0-9.]+) ms"))) return -1;
+  std::printf("%s took %s ms\n", method.c_str(), took[1].str().c_str());
+  return std::stod(took[1].str());
+}
+
+// Word with no document, running long enough for the update thread's
+// first exchange to be under way (or over) when Word exits.
+ProcessResult RunWordBriefly() {
+  const std::wstring script = FreshTempPath(L"connection-brief-script.txt");
   WriteUtf8File(script, L"wait 1500\n");
+  return RunProcess(L"\"" + OfficeExecutable(L"WINWORD.EXE") + L"\" --script " + Quoted(script), 120000);
+}
+
+// A sync app that misbehaves as `arguments` say (recording what it gets
+// in `requests`), or none: Office's start-up and shutdown stay within its
+// limits, the update thread leaves without being terminated, and the last
+// request was tried.
+void ExpectWithinOfficesLimits(const std::wstring& arguments, const std::wstring& requests,
+                               const std::string& lastRequestFailure, Caller caller = {}) {
+  TRACE_CALLER(caller);
+  SyncSimProcess syncApp;
+  if (!arguments.empty()) {
+    ASSERT_TRUE(syncApp.Start(arguments + L" --record " + Quoted(requests)));
+  }
+  const ProcessResult run = RunWordBriefly();
+  syncApp.Stop();
+  ASSERT_EQ(run.exitCode, 0u) << run.output;
+  const double connection = MethodMs(run, "OnConnection");
+  const double disconnection = MethodMs(run, "OnDisconnection");
+  ASSERT_GE(connection, 0) << run.output;
+  ASSERT_GE(disconnection, 0) << run.output;
+  EXPECT_LT(connection, kStartupLimitMs) << run.output;
+  EXPECT_LT(disconnection, kShutdownLimitMs) << run.output;
+  const auto lines = ReadLog(LogFilePath());
+  const auto main = MessagesOfThread(lines, "MainThread");
+  // `lastRequestFailure` may be the start of the line only.
+  std::string failure = lastRequestFailure;
+  for (const std::string& message : main) {
+    if (message.rfind(lastRequestFailure, 0) == 0) failure = message;
+  }
+  EXPECT_TRUE(ContainsInOrder(main, {"office app disconnects", failure, "all file info removed from cache",
+                                     "win GDI+ uninitialized", "VEH removed", "stopped event update thread",
+                                     "custom ui update timer removed", "office app disconnected"}));
+  for (const std::string& message : main) EXPECT_EQ(message.rfind("couldn't stop", 0), std::string::npos) << message;
+}
+}  // namespace
+
+TEST_F(Connection, StaysWithinOfficesLimitsWhileTheSyncAppNeverAnswers) {
+  const std::wstring requests = FreshTempPath(L"connection-unanswered-requests.txt");
+  ExpectWithinOfficesLimits(L"--never-answer", requests, "read msg failed. errcode=995");
+  // Asked to stop, the thread gave up its exchange at once and the last
+  // request went out, its answer waited for only briefly.
+  EXPECT_EQ(MessagesOfThread(ReadLog(LogFilePath()), "EvntUpdate"),
+            (std::vector<std::string>{"event update thread starts", "read msg failed. errcode=995"}));
+  EXPECT_EQ(ReadLines(requests), (std::vector<std::string>{"{\"files\":[]}", "{\"files\":[]}"}));
+}
+
+TEST_F(Connection, StaysWithinOfficesLimitsWhileTheSyncAppIsSlow) {
+  const std::wstring requests = FreshTempPath(L"connection-slow-requests.txt");
+  ExpectWithinOfficesLimits(L"--delay 3000", requests, "read msg failed. errcode=995");
+  EXPECT_EQ(ReadLines(requests), (std::vector<std::string>{"{\"files\":[]}", "{\"files\":[]}"}));
+}
+
+TEST_F(Connection, StaysWithinOfficesLimitsWithoutASyncApp) {
+  ExpectWithinOfficesLimits(L"", L"", "Could not open pipe. errcode=2");
+}
+
+TEST_F(Connection, StaysWithinOfficesLimitsWhenTheSyncAppDiesWhileAnsweringTheLastRequest) {
+  // An answer far larger than the pipe's buffers: the sync app is still
+  // writing it when it dies.
+  const std::wstring answer = FreshTempPath(L"connection-dying-answer.txt");
+  WriteUtf8File(answer, L"{\"resp\":[{\"file_path\":\"" + std::wstring(300000, L'x') + L"\"}]}");
+  const std::wstring requests = FreshTempPath(L"connection-dying-requests.txt");
+  ExpectWithinOfficesLimits(L"--die-mid-answer 2 --answer-file " + Quoted(answer), requests,
+                            "read msg failed. errcode=");
+  EXPECT_EQ(ReadLines(requests), (std::vector<std::string>{"{\"files\":[]}", "{\"files\":[]}"}));
+}
+
+TEST_F(Connection, TheLastRequestStillReachesAHealthySyncAppUnchanged) {
+  InProcessHost scratch(SimHost::Word);  // only for its folder
+  const std::wstring document = scratch.CreateFileNamed(L"plan.docx");
+  const std::wstring script = scratch.folder() + L"\\script.txt";
+  WriteUtf8File(script, L"open " + document + L"\nwait 1000\n");
+  const std::wstring raw = FreshTempPath(L"connection-healthy-requests.bin");
+  SyncSimProcess syncApp;
+  ASSERT_TRUE(syncApp.Start(L"--record-raw " + Quoted(raw)));
   const ProcessResult run = RunHost(L"WINWORD.EXE", L"--script " + Quoted(script));
   syncApp.Stop();
   ASSERT_EQ(run.exitCode, 0u) << run.output;
+  EXPECT_LT(MethodMs(run, "OnDisconnection"), kShutdownLimitMs) << run.output;
 
-  std::smatch took;
-  ASSERT_TRUE(std::regex_search(run.output, took, std::regex("OnDisconnection returned 0x00000000 in ([0-9.]+) ms")))
-      << run.output;
-  std::printf("OnDisconnection took %s ms\n", took[1].str().c_str());
-  EXPECT_LT(std::stod(took[1].str()), 5500.0) << run.output;
-  const auto lines = ReadLog(LogFilePath());
-  // Asked to stop, the thread gives up its exchange at once and the last
-  // request gets the pipe; that one waits its five seconds for the answer.
-  EXPECT_EQ(MessagesOfThread(lines, "EvntUpdate"),
-            (std::vector<std::string>{"event update thread starts", "read msg failed. errcode=995"}));
-  const auto main = MessagesOfThread(lines, "MainThread");
-  EXPECT_TRUE(ContainsInOrder(main, {"office app disconnects", "read msg failed. errcode=995",
-                                     "all file info removed from cache", "win GDI+ uninitialized", "VEH removed",
-                                     "stopped event update thread", "custom ui update timer removed",
-                                     "office app disconnected"}));
-  for (const std::string& message : main) EXPECT_EQ(message.rfind("couldn't stop", 0), std::string::npos) << message;
-  EXPECT_EQ(ReadLines(requests), (std::vector<std::string>{"{\"files\":[]}", "{\"files\":[]}"}));
+  // The last request lists the open document, as every request did.
+  const std::wstring last = L"{\"files\":[{\"filepath\":\"" + document +
+                            L"\",\"isOpen\":true,\"isEditing\":false,\"resolveConflict\":false,\"retryModify\":false,"
+                            L"\"retryRenameOrMove\":false,\"retryDelete\":false,\"file_combo_id\":\"\",\"officeApp\":\"1\"}]}";
+  const std::string bytes(reinterpret_cast<const char*>(last.c_str()), (last.size() + 1) * sizeof(wchar_t));
+  const std::string recorded = ReadFileBytes(raw);
+  ASSERT_GE(recorded.size(), bytes.size());
+  EXPECT_EQ(recorded.substr(recorded.size() - bytes.size()), bytes);
+  for (const std::string& message : MessagesOfThread(ReadLog(LogFilePath()), "MainThread")) {
+    EXPECT_EQ(message.find("errcode"), std::string::npos) << message;
+  }
 }
 
 // What the heap may still commit for its own bookkeeping: four pages.

@@ -234,7 +234,9 @@ TEST_F(EventUpdateThread, LeavesThePipeToTheNextExchangeWhenEndedInsideOne) {
   UniqueHandle exchange(CreateThread(
       nullptr, 0,
       [](LPVOID context) -> DWORD {
-        static_cast<NextExchange*>(context)->answer = TheSyncAppPipe().Exchange(L"{\"files\":[]}");
+        // Given time enough for the slow answer: the point is the turn.
+        static_cast<NextExchange*>(context)->answer =
+            TheSyncAppPipe().Exchange([] { return std::wstring(L"{\"files\":[]}"); }, ExchangeBounds{10000});
         return 0;
       },
       &next, 0, nullptr));
@@ -296,7 +298,7 @@ TEST_F(EventUpdateThread, LeavesAtOnceWhenAskedToStopWhileItWaitsForTheCacheLock
 
 TEST_F(EventUpdateThread, WaitsThirtySecondsForAnAnswer) { EXPECT_EQ(kUpdateExchangeLimitMs, 30000u); }
 
-TEST_F(EventUpdateThread, ACycleGivesUpOnAnAnswerThatDoesNotComeWithinItsLimitAndChangesNoRecord) {
+TEST_F(EventUpdateThread, ACycleGivesUpOnAnAnswerThatDoesNotComeWithinItsLimitAndChangesNothingShown) {
   // The thread's own cycle with a limit short enough for a test.
   FileStatusCache& cache = TheFileStatusCache();
   ASSERT_EQ(cache.AddFile(kPath, nullptr, 0, nullptr), 1);
@@ -306,15 +308,53 @@ TEST_F(EventUpdateThread, ACycleGivesUpOnAnAnswerThatDoesNotComeWithinItsLimitAn
   ASSERT_TRUE(syncApp.Start(L"--never-answer"));
   const ULONGLONG start = GetTickCount64();
 
-  RunUpdateCycle(ExchangeBounds{300});
+  ExchangeEnd end = static_cast<ExchangeEnd>(0xdead);
+
+  end = RunUpdateCycle(ExchangeBounds{300});
 
   const ULONGLONG took = GetTickCount64() - start;
   EXPECT_GE(took, 290u);
   EXPECT_LT(took, 1300u);
-  EXPECT_FALSE(cache.syncAppHasData);
+  EXPECT_EQ(end, ExchangeEnd::TimedOut);
+  // A sync app that did not answer in time said nothing about the files:
+  // the badges stay as they are instead of all vanishing.
+  EXPECT_TRUE(cache.syncAppHasData);
   EXPECT_EQ(cache.Find(kPath)->sync.is_sync_file, 1u);
   EXPECT_EQ(cache.Find(kPath)->overlayUpToDate, 1u);
-  EXPECT_TRUE(ContainsInOrder(LogMessages(LogFilePath()), {"read msg failed. errcode=995"}));
+  EXPECT_TRUE(ContainsInOrder(LogMessages(LogFilePath()),
+                              {"read msg failed. errcode=995", "no answer from sync app in time, shown state kept"}));
+}
+
+TEST_F(EventUpdateThread, ACycleThatGaveWayToTheUiThreadChangesNothingShown) {
+  FileStatusCache& cache = TheFileStatusCache();
+  ASSERT_EQ(cache.AddFile(kPath, nullptr, 0, nullptr), 1);
+  cache.Change(kPath, [&](FileStatusRecord& r) { r.overlayUpToDate = 1; });
+  const std::wstring requestsFile = FreshTempPath(L"thread-gave-way-requests.txt");
+  SyncSimProcess syncApp;
+  ASSERT_TRUE(syncApp.Start(L"--never-answer --record " + Quoted(requestsFile)));
+  StartThread();
+  ASSERT_TRUE(WaitUntil([&] { return ReadLines(requestsFile).size() >= 1; }, 10000));
+  const ULONGLONG start = GetTickCount64();
+
+  // Office's UI thread wants the pipe (a panel's button, say).
+  const std::wstring answer = TheSyncAppPipe().Exchange(L"{\"files\":[]}");
+
+  const ULONGLONG took = GetTickCount64() - start;
+  EXPECT_EQ(Narrow(answer), "ERROR");
+  EXPECT_LT(took, 1000u);
+  ASSERT_TRUE(WaitUntil(
+      [] {
+        return static_cast<bool>(ContainsInOrder(MessagesOfThread(ReadLog(LogFilePath()), "EvntUpdate"),
+                                                 {"update exchange gave way to the UI thread, shown state kept"}));
+      },
+      3000));
+  StopThread();
+  syncApp.Stop();
+  EXPECT_TRUE(cache.syncAppHasData);
+  EXPECT_EQ(cache.Find(kPath)->overlayUpToDate, 1u);
+  const auto requests = ReadLines(requestsFile);
+  ASSERT_GE(requests.size(), 2u);
+  EXPECT_EQ(requests[1], "{\"files\":[]}");
 }
 
 TEST_F(EventUpdateThread, BuildsItsRequestOnlyWhenItsTurnAtThePipeHasCome) {

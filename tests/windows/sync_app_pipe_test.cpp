@@ -198,7 +198,7 @@ TEST_F(SyncAppPipeTest, ReceivesAnAnswerLargerThanOneMegabyteWhole) {
 TEST_F(SyncAppPipeTest, WaitsForASlowAnswer) {
   const std::wstring answer = AnswerOfLength(300);
   ServeFixedAnswer(answer, L"--delay 1500");
-  EXPECT_TRUE(SameText(pipe_.Exchange(kOneFileRequest), answer));
+  EXPECT_TRUE(SameText(pipe_.Exchange([] { return kOneFileRequest; }, ExchangeBounds{5000}), answer));
   EXPECT_TRUE(Logged().empty());
 }
 
@@ -211,7 +211,7 @@ TEST_F(SyncAppPipeTest, GivesUpOnAPipeThatStaysBusyWithTheWaitTimeout) {
 TEST_F(SyncAppPipeTest, KeepsTryingWhileTheSyncAppFreesAnInstanceInTime) {
   const std::wstring answer = AnswerOfLength(200);
   ServeFixedAnswer(answer, L"--busy-ms 1000");
-  EXPECT_TRUE(SameText(pipe_.Exchange(kOneFileRequest), answer));
+  EXPECT_TRUE(SameText(pipe_.Exchange([] { return kOneFileRequest; }, ExchangeBounds{5000}), answer));
   EXPECT_TRUE(Logged().empty());
 }
 
@@ -307,7 +307,7 @@ TEST_F(SyncAppPipeTest, GivesUpOnAnAnswerThatDoesNotComeWithinItsLimit) {
   EXPECT_EQ(ReadLines(record), std::vector<std::string>{Narrow(kOneFileRequest)});
 }
 
-TEST_F(SyncAppPipeTest, KeepsOfficeWaitingAtMostFiveSecondsForAnAnswerThatNeverComes) {
+TEST_F(SyncAppPipeTest, KeepsOfficeWaitingLessThanASecondForAnAnswerThatNeverComes) {
   ServeScenario(L"", L"--never-answer");
   const ULONGLONG start = GetTickCount64();
 
@@ -315,9 +315,54 @@ TEST_F(SyncAppPipeTest, KeepsOfficeWaitingAtMostFiveSecondsForAnAnswerThatNeverC
 
   const ULONGLONG took = Since(start);
   EXPECT_EQ(Narrow(answer), "ERROR");
-  EXPECT_GE(took, 4900u);
-  EXPECT_LT(took, 5500u);
+  EXPECT_GE(took, kUiExchangeBounds.limitMs - 10);
+  EXPECT_LT(took, 1000u);
   EXPECT_EQ(Logged(), (std::vector<std::string>{"read msg failed. errcode=995"}));
+}
+
+TEST_F(SyncAppPipeTest, AnExchangeThatGivesWayEndsAtOnceWhenOneOfTheUiThreadWantsThePipe) {
+  const std::wstring record = FreshTempPath(L"syncsim-give-way.txt");
+  ServeScenario(L"", L"--never-answer --record " + Quoted(record));
+  // The update thread's exchange, stuck on the silent sync app.
+  ExchangeEnd firstEnd = static_cast<ExchangeEnd>(0xdead);
+  std::wstring firstAnswer = L"sentinel";
+  std::thread first([&] {
+    firstAnswer = pipe_.Exchange([] { return std::wstring(L"{\"files\":[]}"); }, {30000, nullptr, true}, &firstEnd);
+  });
+  ASSERT_TRUE(WaitUntil([&] { return ReadLines(record).size() == 1; }, 10000));
+  ExchangeEnd end = static_cast<ExchangeEnd>(0xdead);
+  ULONGLONG builtAfter = 0;
+  const ULONGLONG start = GetTickCount64();
+
+  const std::wstring answer = pipe_.Exchange(
+      [&] {
+        builtAfter = Since(start);
+        return kOneFileRequest;
+      },
+      kUiExchangeBounds, &end);
+
+  const ULONGLONG took = Since(start);
+  first.join();
+  EXPECT_EQ(firstEnd, ExchangeEnd::GaveWay);
+  EXPECT_EQ(Narrow(firstAnswer), "ERROR");
+  // Its turn came right after the grace, and its request went out.
+  EXPECT_GE(builtAfter, SyncAppPipe::kGiveWayGraceMs - 10);
+  EXPECT_LT(builtAfter, 500u);
+  EXPECT_EQ(end, ExchangeEnd::TimedOut);
+  EXPECT_EQ(Narrow(answer), "ERROR");
+  EXPECT_LT(took, 1000u);
+  EXPECT_EQ(ReadLines(record), (std::vector<std::string>{"{\"files\":[]}", Narrow(kOneFileRequest)}));
+}
+
+TEST_F(SyncAppPipeTest, SaysTheExchangeWasAnsweredOrFailedByTheSyncApp) {
+  ServeScenario(L"");
+  ExchangeEnd end = static_cast<ExchangeEnd>(0xdead);
+  EXPECT_EQ(Narrow(pipe_.Exchange([] { return kOneFileRequest; }, kUiExchangeBounds, &end)), "{\"resp\":[]}");
+  EXPECT_EQ(end, ExchangeEnd::Answered);
+  syncSim_.Stop();
+  end = static_cast<ExchangeEnd>(0xdead);
+  EXPECT_EQ(Narrow(pipe_.Exchange([] { return kOneFileRequest; }, kUiExchangeBounds, &end)), "ERROR");
+  EXPECT_EQ(end, ExchangeEnd::Failed);
 }
 
 TEST_F(SyncAppPipeTest, EndsAtOnceWhenItsStopEventIsSignalledWhileItWaitsForTheAnswer) {
@@ -390,7 +435,7 @@ TEST_F(SyncAppPipeTest, BuildsTheRequestOnlyOnceItsTurnHasCome) {
   const std::wstring firstRequest = L"{\"files\":[]}";
   const ULONGLONG firstStart = GetTickCount64();
   std::wstring firstAnswer;
-  std::thread first([&] { firstAnswer = pipe_.Exchange(firstRequest); });
+  std::thread first([&] { firstAnswer = pipe_.Exchange([&] { return firstRequest; }, ExchangeBounds{5000}); });
   ASSERT_TRUE(WaitUntil([&] { return ReadLines(record).size() == 1; }, 10000));
   ULONGLONG builtAt = 0;
 
@@ -483,7 +528,8 @@ TEST_F(SyncAppPipeTest, TakesOverThePipeFromAnExchangeWhoseThreadWasEndedInsideI
   ASSERT_TRUE(TerminateThread(ended.get(), 1));
   ASSERT_EQ(WaitForSingleObject(ended.get(), 5000), static_cast<DWORD>(WAIT_OBJECT_0));
 
-  EXPECT_TRUE(SameText(pipe_.Exchange(kOneFileRequest), answer));
+  // Time enough for the slow answer: the point is the pipe taken over.
+  EXPECT_TRUE(SameText(pipe_.Exchange([] { return kOneFileRequest; }, ExchangeBounds{5000}), answer));
   EXPECT_EQ(ReadLines(record), (std::vector<std::string>{"{\"files\":[]}", Narrow(kOneFileRequest)}));
   EXPECT_TRUE(Logged().empty());
 }

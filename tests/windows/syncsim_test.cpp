@@ -37,7 +37,12 @@ class SyncSim : public testing::Test {
     WriteUtf8File(path, scenario);
     ASSERT_TRUE(syncSim_.Start(L"--scenario " + Quoted(path) + L" " + moreArguments));
   }
-  std::string Exchange(const std::wstring& request) { return Narrow(pipe_.Exchange(request)); }
+  // The add-in's client, given time enough for syncsim's delays: the
+  // client's own limits are not under test here.
+  static std::wstring Exchange(SyncAppPipe& pipe, const std::wstring& request) {
+    return pipe.Exchange([&] { return request; }, ExchangeBounds{10000});
+  }
+  std::string Exchange(const std::wstring& request) { return Narrow(Exchange(pipe_, request)); }
 
   SyncSimProcess syncSim_;
   SyncAppPipe pipe_;
@@ -94,7 +99,7 @@ TEST_F(SyncSim, ServesASecondClientWhileTheFirstWaitsForItsAnswer) {
   std::string first;
   std::thread other([&] {
     SyncAppPipe pipe;
-    first = Narrow(pipe.Exchange(RequestFor(L"C:\\r.docx")));
+    first = Narrow(Exchange(pipe, RequestFor(L"C:\\r.docx")));
   });
   EXPECT_EQ(Exchange(RequestFor(L"C:\\r.docx")), expected);
   other.join();
@@ -160,4 +165,17 @@ TEST_F(SyncSim, NeverAnswersARequestItHasReadAndRecordedUntilItIsStopped) {
   EXPECT_FALSE(GetOverlappedResult(client.get(), &read, &bytes, FALSE));
   EXPECT_EQ(GetLastError(), static_cast<DWORD>(ERROR_PIPE_NOT_CONNECTED));
   EXPECT_EQ(bytes, 0u);
+}
+
+TEST_F(SyncSim, AnswersUntilTheGivenRequestAndDiesWhileAnsweringIt) {
+  // Far more than the pipe's buffers hold, so the write is still going on.
+  const std::wstring answerFile = FreshTempPath(L"syncsim-dying-answer.txt");
+  const std::wstring answer = L"{\"resp\":[{\"file_path\":\"" + std::wstring(300000, L'x') + L"\"}]}";
+  WriteUtf8File(answerFile, answer);
+  ASSERT_TRUE(syncSim_.Start(L"--die-mid-answer 2 --answer-file " + Quoted(answerFile)));
+  EXPECT_EQ(Exchange(pipe_, RequestFor(L"C:\\r.docx")), answer);
+
+  EXPECT_EQ(Exchange(RequestFor(L"C:\\r.docx")), "ERROR");
+  ASSERT_TRUE(syncSim_.WaitForExit(10000));
+  EXPECT_EQ(syncSim_.ExitCode(), 9u);
 }

@@ -10,7 +10,7 @@ const char* const kSyncSimUsage =
     "                   [--cut-answer | --hang-up | --garbage | --never-answer]\n"
     "                   [--byte-mode] [--pad UNITS] [--lead HEX | --no-lead]\n"
     "                   [--answer-every-request] [--hang-up-on NAME:VALUE]\n"
-    "                   [--max-requests N] [--run-ms MS]\n"
+    "                   [--max-requests N] [--run-ms MS] [--die-mid-answer N]\n"
     "                   [--ready-event NAME] [--stop-event NAME]\n"
     "see docs/syncsim.md\n";
 
@@ -108,6 +108,8 @@ bool ParseSyncSimOptions(int argc, wchar_t** argv, SyncSimOptions& options, std:
       }
     } else if (argument == L"--no-lead") {
       options.hasLeadUnit = false;
+    } else if (argument == L"--die-mid-answer") {
+      ok = takeNumber(options.dieMidAnswer) && options.dieMidAnswer >= 1;
     } else if (argument == L"--max-requests") {
       ok = takeNumber(options.maxRequests);
     } else if (argument == L"--run-ms") {

@@ -31,6 +31,7 @@ struct SyncSimOptions {
   DWORD runMs = 0;        // stop after this long (0: no limit)
   DWORD instances = PIPE_UNLIMITED_INSTANCES;
   long maxRequests = 0;   // stop after this many requests (0: no limit)
+  long dieMidAnswer = 0;  // the process ends while writing this request's answer (0: never)
   size_t padUnits = 0;    // adds "pad":"xxx..." of this length to every object
   // Answers every request the client writes on one connection, instead of
   // one request per connection as the real app does.

@@ -320,6 +320,12 @@ void PipeServer::Deliver(HANDLE pipe, HANDLE ioEvent, const std::wstring& messag
   OVERLAPPED overlapped{};
   overlapped.hEvent = ioEvent;
   const BOOL started = WriteFile(pipe, message.data(), size, nullptr, &overlapped);
+  if (options_.dieMidAnswer != 0 && requestCount_.load() >= options_.dieMidAnswer) {
+    // The sync app crashing (or being ended) while it answers: no
+    // disconnection of its own, the system closes whatever it held.
+    std::printf("syncsim: dies while writing the answer of %lu bytes\n", size);
+    TerminateProcess(GetCurrentProcess(), 9);
+  }
   if (options_.delivery == AnswerDelivery::CutMidAnswer) {
     // Whatever the client has not read yet is thrown away with the
     // connection, as when the sync app dies while answering.
