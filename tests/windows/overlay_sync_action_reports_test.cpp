@@ -180,6 +180,35 @@ TEST_P(SyncActionReport, ACloseAnotherAddinCancelsKeepsTheFileAndTellsNothing) {
   EXPECT_EQ(flow_.Requests().back(), ExpectedRequest(path_, stillOpen, host()));
 }
 
+// The user closes a modified file from the host and answers its question
+// with "don't save". Word and Excel tell add-ins before they ask, so the
+// close handler kept the record (the user might have cancelled); the next
+// tick finds the document gone. That is an ordinary close, not an error,
+// and the sync app hears of it.
+TEST_P(SyncActionReport, AModifiedDocumentClosedWithoutSavingIsReportedClosedByTheNextTick) {
+  SimDocument* document = OpenSynced(L"readonly", L"", false);
+  ASSERT_NE(document, nullptr);
+  document->MarkEdited();
+  flow_.CycleAndTick();
+  flow_.app().SetPromptAnswer(SimApplication::PromptAnswer::Discard);
+  ASSERT_TRUE(flow_.app().CloseDocument(document, SimApplication::SaveChoice::Prompt));
+  ASSERT_TRUE(TheFileStatusCache().Contains(path_));
+  const size_t before = flow_.Requests().size();
+
+  flow_.ClearLog();
+  flow_.Tick();
+  EXPECT_FALSE(TheFileStatusCache().Contains(path_));
+  EXPECT_EQ(flow_.Messages(),
+            (std::vector<std::string>{"close file - " + P(), "file info removed from cache - " + P()}));
+  EXPECT_EQ(InProcessHost::LevelOf("close file - " + P()), "I");
+  const std::vector<std::wstring> requests = flow_.Requests();
+  ASSERT_EQ(requests.size(), before + 1);
+  RequestFields closed;
+  closed.isOpen = false;
+  closed.isEditing = true;  // as the last tick found it
+  EXPECT_EQ(requests.back(), ExpectedRequest(path_, closed, host()));
+}
+
 INSTANTIATE_TEST_SUITE_P(EveryHost, SyncActionReport,
                          testing::Values(SimHost::Word, SimHost::Excel, SimHost::PowerPoint), HostParamName);
 }  // namespace
