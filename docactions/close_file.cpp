@@ -6,6 +6,7 @@
 #include "common/host_application.h"
 #include "common/host_profile.h"
 #include "docactions/unsaved_changes.h"
+#include "log/exception_barrier.h"
 #include "log/write_log.h"
 
 namespace {
@@ -73,9 +74,9 @@ UniqueVariant SaveChangesArgument(CloseForm form, CloseMode mode) {
   if (mode == CloseMode::CloseLettingTheHostAsk) return UniqueVariant::Missing();  // Excel asks the user itself
   return UniqueVariant::Bool(mode == CloseMode::SaveThenClose);
 }
-}  // namespace
 
-bool IsStillOpenInHost(IDispatch* document) {
+// Whether the host's collection of open documents holds this one.
+bool IsListedByHost(IDispatch* document) {
   static DispatchName count(L"Count");
   static DispatchName item(L"Item");
   const HostProfile* profile = CurrentHostProfile();
@@ -101,6 +102,13 @@ bool IsStillOpenInHost(IDispatch* document) {
     }
   }
   return false;
+}
+}  // namespace
+
+bool IsStillOpenInHost(IDispatch* document) {
+  // A list that cannot be read says nothing: the document counts as open,
+  // so that no close is reported that may not have happened.
+  return Guarded(L"checking whether the file is still open", true, [&] { return IsListedByHost(document); });
 }
 
 bool CloseFile(ComPtr<IDispatch> document, CloseMode mode, const std::function<void()>& whenClosed) {

@@ -92,12 +92,17 @@ void ReportClosedForSyncAction(const Pressed& pressed, bool hadUnsavedChanges,
 bool CloseForSyncAction(const Pressed& pressed, CloseMode mode, std::uint32_t FileStatusRecord::*flag) {
   // A save-then-close saves first: what the host closes holds no changes.
   const bool unsaved = mode != CloseMode::SaveThenClose && HasUnsavedChanges(pressed.record.document);
+  const auto notClosing = [](FileStatusRecord& record) { record.closingForSyncAction = 0; };
   Store(pressed, [](FileStatusRecord& record) { record.closingForSyncAction = 1; });
-  if (CloseFile(pressed.record.document, mode, [&] { ReportClosedForSyncAction(pressed, unsaved, flag); })) {
-    return true;
+  bool closed = false;
+  try {
+    closed = CloseFile(pressed.record.document, mode, [&] { ReportClosedForSyncAction(pressed, unsaved, flag); });
+  } catch (...) {
+    Store(pressed, notClosing);  // the tick and the close handler see the file as theirs again
+    throw;
   }
-  Store(pressed, [](FileStatusRecord& record) { record.closingForSyncAction = 0; });
-  return false;
+  if (!closed) Store(pressed, notClosing);
+  return closed;
 }
 
 // 3001: the user wants the newer version; the panel says "Downloading..."
