@@ -17,9 +17,16 @@ void OnFileClosing(ComPtr<IDispatch> document) {
     WriteLog(LogLevel::Warning, L"close file - file info not available in cache - " + path);
     return;
   }
-  const bool unsaved = HasUnsavedChanges(document);
   const std::optional<FileStatusRecord> record = cache.Find(path);
   if (!record) return;
+  if (record->closingForSyncAction) {
+    // The add-in's own close for a sync action: the host may still ask
+    // about saving, or another add-in may still cancel. The action tells
+    // the sync app once the document is really gone.
+    WriteLog(LogLevel::Debug, L"close file - the sync action reports it once closed - " + path);
+    return;
+  }
+  const bool unsaved = HasUnsavedChanges(document);
   const bool addinIsClosingIt = record->retryModify || record->resolveConflict || record->retryRenameOrMove;
   if (unsaved && !addinIsClosingIt) {
     // The user's own close of a modified file: the host now asks about

@@ -6,6 +6,7 @@
 #include "common/host_application.h"
 #include "common/host_profile.h"
 #include "docactions/unsaved_changes.h"
+#include "log/exception_barrier.h"
 #include "log/write_log.h"
 
 namespace {
@@ -33,6 +34,27 @@ void QuitWhenNoDocumentIsLeft(const HostProfile& profile) {
   }
 }
 
+// PowerPoint's Close never asks; marking the presentation saved first
+// (msoTrue) makes sure no version of it asks about changes the user chose
+// to let go.
+void SetSavedState(IDispatch* presentation, long msoTriState) {
+  static DispatchName saved(L"Saved");
+  UniqueVariant value = UniqueVariant::Int32(msoTriState);
+  UniqueVariant result;
+  InvokeByName(presentation, saved, DISPATCH_PROPERTYPUT, {value.get()}, result.put());
+}
+
+// After the host's Close: done when the document has left its list.
+bool Finish(IDispatch* document, const HostProfile& profile, const std::function<void()>& whenClosed) {
+  if (IsStillOpenInHost(document)) {
+    WriteLog(LogLevel::Info, L"file stayed open after close");
+    return false;
+  }
+  if (whenClosed) whenClosed();
+  QuitWhenNoDocumentIsLeft(profile);
+  return true;
+}
+
 // Saves for mode 0; false (logged) when the document is still modified
 // afterwards, for example because the user cancelled a save dialog.
 bool SaveBeforeClosing(const ComPtr<IDispatch>& document, const wchar_t* stillModifiedText) {
@@ -52,9 +74,44 @@ UniqueVariant SaveChangesArgument(CloseForm form, CloseMode mode) {
   if (mode == CloseMode::CloseLettingTheHostAsk) return UniqueVariant::Missing();  // Excel asks the user itself
   return UniqueVariant::Bool(mode == CloseMode::SaveThenClose);
 }
+
+// Whether the host's collection of open documents holds this one.
+bool IsListedByHost(IDispatch* document) {
+  static DispatchName count(L"Count");
+  static DispatchName item(L"Item");
+  const HostProfile* profile = CurrentHostProfile();
+  if (profile == nullptr || document == nullptr) return false;
+  ComPtr<IUnknown> identity;
+  if (FAILED(document->QueryInterface(IID_IUnknown, reinterpret_cast<void**>(identity.put())))) return false;
+  const ComPtr<IDispatch> documents =
+      GetObjectProperty(HostApplication.get(), DispatchNameFor(profile->documentsMember));
+  if (!documents) return false;
+  const long open = GetLongProperty(documents.get(), count);
+  for (long i = 1; i <= open; ++i) {
+    UniqueVariant index = UniqueVariant::Int32(i);
+    UniqueVariant listed;
+    if (FAILED(InvokeByName(documents.get(), item, DISPATCH_METHOD | DISPATCH_PROPERTYGET, {index.get()},
+                            listed.put()))) {
+      continue;
+    }
+    if (listed.type() != VT_DISPATCH || listed.get()->pdispVal == nullptr) continue;
+    ComPtr<IUnknown> other;
+    if (SUCCEEDED(listed.get()->pdispVal->QueryInterface(IID_IUnknown, reinterpret_cast<void**>(other.put()))) &&
+        other.get() == identity.get()) {
+      return true;
+    }
+  }
+  return false;
+}
 }  // namespace
 
-bool CloseFile(ComPtr<IDispatch> document, CloseMode mode) {
+bool IsStillOpenInHost(IDispatch* document) {
+  // A list that cannot be read says nothing: the document counts as open,
+  // so that no close is reported that may not have happened.
+  return Guarded(L"checking whether the file is still open", true, [&] { return IsListedByHost(document); });
+}
+
+bool CloseFile(ComPtr<IDispatch> document, CloseMode mode, const std::function<void()>& whenClosed) {
   static DispatchName close(L"Close");
   WriteLog(LogLevel::Info, L"going to close file");
   const HostProfile* profile = CurrentHostProfile();
@@ -71,7 +128,14 @@ bool CloseFile(ComPtr<IDispatch> document, CloseMode mode) {
       WriteLog(LogLevel::Error, L"we didn't close file since file has unsaved changes (during PromptToSaveChanges)");
       return false;
     }
-    return SUCCEEDED(CallIgnoringResult(document.get(), close, {}));
+    const bool markedSaved = mode == CloseMode::CloseWithoutSaving && HasUnsavedChanges(document);
+    if (markedSaved) SetSavedState(document.get(), -1);  // msoTrue
+    CallIgnoringResult(document.get(), close, {});
+    if (Finish(document.get(), *profile, whenClosed)) return true;
+    // Still open: its changes must not pass for saved, or PowerPoint would
+    // let them go without a word at the user's own close.
+    if (markedSaved) SetSavedState(document.get(), 0);  // msoFalse
+    return false;
   }
 
   if (mode == CloseMode::SaveThenClose &&
@@ -80,7 +144,6 @@ bool CloseFile(ComPtr<IDispatch> document, CloseMode mode) {
   }
   UniqueVariant changes = SaveChangesArgument(profile->closeForm, mode);
   UniqueVariant second = UniqueVariant::Missing(), third = UniqueVariant::Missing();
-  const HRESULT closed = CallIgnoringResult(document.get(), close, {changes.get(), second.get(), third.get()}, 0);
-  QuitWhenNoDocumentIsLeft(*profile);
-  return SUCCEEDED(closed);
+  CallIgnoringResult(document.get(), close, {changes.get(), second.get(), third.get()}, 0);
+  return Finish(document.get(), *profile, whenClosed);
 }

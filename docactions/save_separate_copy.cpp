@@ -26,42 +26,48 @@ DocumentPlace ReadPlace(IDispatch* document, IDispatch* application, bool fixedS
   return place;
 }
 
-// The host's own save-a-copy; its HRESULT is not the judge: whether the
-// file exists afterwards is.
-void SaveCopyThroughHost(IDispatch* document, const std::wstring& fullPath) {
-  // Word's SaveCopyAs writes the copy and leaves the document attached to
-  // its own file, unlike SaveAs, which would re-attach it to the copy.
-  static DispatchName wordSaveCopy(L"SaveCopyAs");
+// Word has no SaveCopyAs: its save under a new name, SaveAs2 (Word 2010
+// on) or SaveAs (Word 2003 and 2007, the same file name and fifteen
+// optional arguments), writes the copy and attaches the document to it.
+// The document is closed right after the copy (the reload), so nothing is
+// written to the original file and the user's changes live on in the copy.
+HRESULT WordSaveAs(IDispatch* document, const VARIANT* fileName, VARIANT* result) {
+  static DispatchName saveAs2(L"SaveAs2");
+  static DispatchName saveAs(L"SaveAs");
+  UniqueVariant missing[15];
+  for (auto& argument : missing) argument = UniqueVariant::Missing();
+  const std::initializer_list<const VARIANT*> args = {
+      fileName,          missing[0].get(),  missing[1].get(),  missing[2].get(),  missing[3].get(), missing[4].get(),
+      missing[5].get(),  missing[6].get(),  missing[7].get(),  missing[8].get(),  missing[9].get(), missing[10].get(),
+      missing[11].get(), missing[12].get(), missing[13].get(), missing[14].get()};
+  const HRESULT hr = InvokeByName(document, saveAs2, DISPATCH_METHOD, args, result);
+  if (hr != DISP_E_UNKNOWNNAME && hr != DISP_E_MEMBERNOTFOUND) return hr;
+  return InvokeByName(document, saveAs, DISPATCH_METHOD, args, result);
+}
+
+// The host's own save-a-copy, and its HRESULT.
+HRESULT SaveCopyThroughHost(IDispatch* document, const std::wstring& fullPath) {
   static DispatchName excelSaveCopy(L"SaveCopyAs");
   static DispatchName powerPointSaveCopy(L"SaveCopyAs");
   UniqueVariant fileName = UniqueVariant::String(fullPath);
   UniqueVariant result;
   switch (OfficeApp) {
-    case OfficeHost::Word: {
-      UniqueVariant missing[15];
-      for (auto& argument : missing) argument = UniqueVariant::Missing();
-      InvokeByName(document, wordSaveCopy, DISPATCH_METHOD,
-                   {fileName.get(), missing[0].get(), missing[1].get(), missing[2].get(), missing[3].get(),
-                    missing[4].get(), missing[5].get(), missing[6].get(), missing[7].get(), missing[8].get(),
-                    missing[9].get(), missing[10].get(), missing[11].get(), missing[12].get(), missing[13].get(),
-                    missing[14].get()},
-                   result.put());
-      break;
-    }
+    case OfficeHost::Word:
+      return WordSaveAs(document, fileName.get(), result.put());
     case OfficeHost::Excel:
-      InvokeByName(document, excelSaveCopy, DISPATCH_METHOD, {fileName.get()}, result.put(), 0);
-      break;
+      return InvokeByName(document, excelSaveCopy, DISPATCH_METHOD, {fileName.get()}, result.put(), 0);
     case OfficeHost::PowerPoint: {
       UniqueVariant format = UniqueVariant::Int32(11);  // ppSaveAsDefault
       UniqueVariant embedFonts = UniqueVariant::Int32(0);  // msoFalse
-      InvokeByName(document, powerPointSaveCopy, DISPATCH_METHOD, {fileName.get(), format.get(), embedFonts.get()},
-                   result.put());
-      break;
+      return InvokeByName(document, powerPointSaveCopy, DISPATCH_METHOD,
+                          {fileName.get(), format.get(), embedFonts.get()}, result.put());
     }
     default:
-      break;
+      return E_NOTIMPL;
   }
 }
+
+bool Exists(const std::wstring& path) { return GetFileAttributesW(path.c_str()) != INVALID_FILE_ATTRIBUTES; }
 
 std::wstring LocalCopyStamp() {
   SYSTEMTIME now;
@@ -88,9 +94,23 @@ int SaveSeparateCopy(ComPtr<IDispatch> document) {
     const std::wstring newName = SeparateCopyName(split, WindowsUserName(), stamp);
     WriteLog(LogLevel::Debug, L"new filename: " + newName);
 
+    // A never-saved document has no folder, one opened from the web an
+    // address: a copy there is not a file next to the user's document.
+    if (!IsFolderOnDisk(place.folder)) {
+      WriteLog(LogLevel::Error, L"couldn't save separate copy - not in a folder on disk: " + place.name +
+                                    L", folder=\"" + place.folder + L"\"");
+      return 0;
+    }
     const std::wstring fullPath = place.folder + place.separator + newName;
-    SaveCopyThroughHost(document.get(), fullPath);
-    if (GetFileAttributesW(fullPath.c_str()) != INVALID_FILE_ATTRIBUTES) {
+    // Only a file that this save brought into being is the user's copy; one
+    // that was there already would be overwritten, and tells nothing.
+    const bool existedBefore = Exists(fullPath);
+    if (existedBefore) {
+      WriteLog(LogLevel::Error, L"couldn't save separate copy - the file exists already: " + fullPath);
+      return 0;
+    }
+    const HRESULT saved = SaveCopyThroughHost(document.get(), fullPath);
+    if (IsNewSeparateCopy(existedBefore, SUCCEEDED(saved), Exists(fullPath))) {
       WriteLog(LogLevel::Info, L"separate copy saved successfully: " + fullPath);
       return 1;
     }

@@ -4,6 +4,7 @@
 
 #include <exception>
 #include <stdexcept>
+#include <vector>
 
 #include "common/dispatch.h"
 #include "common/host_application.h"
@@ -19,6 +20,7 @@
 #include "overlay/overlay_windows.h"
 #include "synclink/cache_mutex.h"
 #include "synclink/file_status_cache.h"
+#include "synclink/sync_app_pipe.h"
 
 namespace {
 Rect ToRect(const RECT& r) { return {r.left, r.top, r.right, r.bottom}; }
@@ -119,14 +121,35 @@ void DropRecord(const std::wstring& path, FileStatusRecord& working) {
   TheFileStatusCache().RemoveFile(path);
 }
 
-void UpdateRecord(const std::wstring& path, const std::wstring& stamp, const std::wstring& activeFile) {
+// A document the host closed without the add-in's close handler letting it
+// go: the user closed it with unsaved changes and answered the host's own
+// question with "don't save" (Word and Excel tell add-ins before they ask).
+// That is an ordinary close: its windows and record go, and the sync app
+// hears "isOpen":false once the tick has let the cache lock go.
+void ForgetClosedDocument(const std::wstring& path, FileStatusRecord& working,
+                          std::vector<std::wstring>& closedRequests) {
+  WriteLog(LogLevel::Info, L"close file - " + path);
+  DestroyOverlayWindows(working.subOverlayWindow, working.badgeWindow);
+  DestroyRecordOverlays(path);
+  const std::wstring request = TheFileStatusCache().CloseRecord(path);
+  if (!request.empty()) closedRequests.push_back(request);
+}
+
+void UpdateRecord(const std::wstring& path, const std::wstring& stamp, const std::wstring& activeFile,
+                  std::vector<std::wstring>& closedRequests) {
   FileStatusCache& cache = TheFileStatusCache();
   const std::optional<FileStatusRecord> before = cache.Find(path);
   if (!before) return;
   FileStatusRecord working = *before;
+  // The add-in is closing it for a sync action, and reports that close
+  // itself once the host is done.
+  if (working.closingForSyncAction) return;
   try {
     WriteLog(LogLevel::Debug, L"checking: " + path);
-    if (working.seenStamp != stamp) throw std::runtime_error("file closed");
+    if (working.seenStamp != stamp) {
+      ForgetClosedDocument(path, working, closedRequests);
+      return;
+    }
     const bool editing = HasUnsavedChanges(working.document);
     WriteLog(LogLevel::Debug, L"checked: " + path);
     const bool editingChanged = editing != (working.isEditing != 0);
@@ -144,7 +167,7 @@ void UpdateRecord(const std::wstring& path, const std::wstring& stamp, const std
   }
 }
 
-void Tick(DocumentRecorder recordDocument) {
+void Tick(DocumentRecorder recordDocument, std::vector<std::wstring>& closedRequests) {
   const HostProfile* profile = CurrentHostProfile();
   if (profile == nullptr || !HostApplication) return;
   const std::wstring stamp = NextTickStamp();
@@ -153,17 +176,23 @@ void Tick(DocumentRecorder recordDocument) {
   KeepActiveBadgeInside(activeFile);
   StampOpenDocuments(*profile, stamp);
   // A path list taken now: a record dropped on the way is simply passed.
-  for (const std::wstring& path : TheFileStatusCache().Paths()) UpdateRecord(path, stamp, activeFile);
+  for (const std::wstring& path : TheFileStatusCache().Paths()) UpdateRecord(path, stamp, activeFile, closedRequests);
 }
 }  // namespace
 
 void UpdateCustomUI(DocumentRecorder recordDocument) {
   WriteLog(LogLevel::Debug, L"updating custom ui");
+  std::vector<std::wstring> closedRequests;
   {
     // Taken only if free at this moment, released in any case: the tick
     // never waits for the update thread.
     const UiTickCacheLock lock;
-    GuardedVoid(L"updating custom ui", [&] { Tick(recordDocument); });
+    GuardedVoid(L"updating custom ui", [&] { Tick(recordDocument, closedRequests); });
   }
+  // Sent without the cache lock: the update thread may be holding the
+  // pipe while it waits for that lock.
+  GuardedVoid(L"sending closed file info", [&] {
+    for (const std::wstring& request : closedRequests) TheSyncAppPipe().Exchange(request);
+  });
   WriteLog(LogLevel::Debug, L"updated custom ui");
 }

@@ -12,6 +12,7 @@
 #include "overlay/overlay_windows.h"
 #include "overlay/panels.h"
 #include "synclink/file_status_cache.h"
+#include "synclink/request_message.h"
 #include "synclink/sync_app_pipe.h"
 
 namespace {
@@ -56,19 +57,52 @@ void DestroyBadge(const Pressed& pressed) {
   DestroyOverlayWindows(none, badge);
 }
 
-// Closes the document for a sync action. The flag (retryModify,
-// resolveConflict or retryRenameOrMove) is set first, so that the close's
-// own request carries it and the close handler takes the close as ours. A
-// close that does not happen (a save that failed, a presentation that
-// cannot ask about its changes, a host that refused) leaves the document
-// open, perhaps with the user's changes in it: the flag then goes again, or
-// the next cycle would tell the sync app the user accepted the action, and
-// the user's own later close of the modified file would pass for ours.
+// Once the host has really closed the document: its windows go, and one
+// request tells the sync app both that the file is closed and what the user
+// chose (retryModify, resolveConflict or retryRenameOrMove). The choice is
+// never in the cache before this moment, so no cycle of the update thread
+// can report a reload, resolve or rename whose save or close then fails.
+void ReportClosedForSyncAction(const Pressed& pressed, bool hadUnsavedChanges,
+                               std::uint32_t FileStatusRecord::*flag) {
+  WriteLog(LogLevel::Info, (hadUnsavedChanges ? L"we close this file to sync event - " : L"close file - ") + pressed.path);
+  DestroyRecordOverlays(pressed.path);
+  Store(pressed, [&](FileStatusRecord& record) {
+    record.*flag = 1;
+    record.closingForSyncAction = 0;
+  });
+  std::wstring request = Cache().CloseRecord(pressed.path);
+  if (request.empty()) {
+    // The record went while the host was busy closing: the sync app still
+    // hears of the close and the choice, from the record as it was.
+    FileStatusRecord last = pressed.record;
+    last.*flag = 1;
+    last.isOpen = 0;
+    request = kRequestStart;
+    AppendRequestObject(request, pressed.path, last, false, OfficeApp);
+    request += kRequestEnd;
+  }
+  TheSyncAppPipe().Exchange(request);
+}
+
+// Closes the document for a sync action. A close that does not happen (a
+// save that failed, a presentation that cannot ask about its changes, a
+// question the user cancelled, a host or another add-in that refused)
+// leaves the document open, perhaps with the user's changes in it, and the
+// sync app hears nothing of the choice.
 bool CloseForSyncAction(const Pressed& pressed, CloseMode mode, std::uint32_t FileStatusRecord::*flag) {
-  Store(pressed, [&](FileStatusRecord& record) { record.*flag = 1; });
-  if (CloseFile(pressed.record.document, mode)) return true;
-  Store(pressed, [&](FileStatusRecord& record) { record.*flag = 0; });
-  return false;
+  // A save-then-close saves first: what the host closes holds no changes.
+  const bool unsaved = mode != CloseMode::SaveThenClose && HasUnsavedChanges(pressed.record.document);
+  const auto notClosing = [](FileStatusRecord& record) { record.closingForSyncAction = 0; };
+  Store(pressed, [](FileStatusRecord& record) { record.closingForSyncAction = 1; });
+  bool closed = false;
+  try {
+    closed = CloseFile(pressed.record.document, mode, [&] { ReportClosedForSyncAction(pressed, unsaved, flag); });
+  } catch (...) {
+    Store(pressed, notClosing);  // the tick and the close handler see the file as theirs again
+    throw;
+  }
+  if (!closed) Store(pressed, notClosing);
+  return closed;
 }
 
 // 3001: the user wants the newer version; the panel says "Downloading..."
@@ -121,8 +155,8 @@ void Reload(const Pressed& pressed) {
   });
   // The close's own request tells the sync app the user wants the web
   // version.
-  CloseForSyncAction(pressed, CloseMode::CloseLettingTheHostAsk, &FileStatusRecord::retryModify);
-  if (Cache().Contains(pressed.path) && HasUnsavedChanges(pressed.record.document)) {
+  const bool closed = CloseForSyncAction(pressed, CloseMode::CloseLettingTheHostAsk, &FileStatusRecord::retryModify);
+  if (!closed && Cache().Contains(pressed.path) && HasUnsavedChanges(pressed.record.document)) {
     // The host's own save question is still open: the user kept the file.
     Info(L"download ask save copy or not UI shown: ", pressed);
     Store(pressed, [](FileStatusRecord& record) { record.reloadPromptAskSave = 1; });
@@ -131,10 +165,11 @@ void Reload(const Pressed& pressed) {
 }
 
 // 3004: keep the user's changes in a separate copy next to the document,
-// then reload.
+// then reload. Once the copy exists the changes are safe in it: the
+// document closes without saving and without a second question, in every
+// host, and the close tells the sync app the user wants the web version.
 void SaveCopyAndReload(const Pressed& pressed) {
   Info(L"download with save copy in progress: ", pressed);
-  Store(pressed, [](FileStatusRecord& record) { record.retryModify = 1; });
   if (!SaveSeparateCopy(pressed.record.document)) {
     ShowErrorPanel(pressed, false);
     Store(pressed, [](FileStatusRecord& record) {
@@ -146,10 +181,11 @@ void SaveCopyAndReload(const Pressed& pressed) {
   }
   HideBadge(pressed);
   Store(pressed, [](FileStatusRecord& record) { record.overlayUpToDate = 0; });
-  TheSyncAppPipe().Exchange(Cache().BuildRequest(pressed.path, 0));
-  DestroyRecordOverlays(pressed.path);
-  Cache().RemoveFile(pressed.path);
-  CloseFile(pressed.record.document, CloseMode::CloseLettingTheHostAsk);
+  if (!CloseForSyncAction(pressed, CloseMode::CloseWithoutSaving, &FileStatusRecord::retryModify)) {
+    // The copy is made; the document stays open and the next tick shows
+    // the question again.
+    WriteLog(LogLevel::Error, L"couldn't close file after saving separate copy: " + pressed.path);
+  }
   WriteLog(LogLevel::Info, L"download with save copy completed");
 }
 

@@ -35,6 +35,7 @@ void MergeUiChanges(FileStatusRecord& s, const FileStatusRecord& b, const FileSt
   KeepChange(s.conflictAskShown, b.conflictAskShown, a.conflictAskShown);
   KeepChange(s.resolveConflict, b.resolveConflict, a.resolveConflict);
   KeepChange(s.skipNextUpdate, b.skipNextUpdate, a.skipNextUpdate);
+  KeepChange(s.closingForSyncAction, b.closingForSyncAction, a.closingForSyncAction);
   KeepChange(s.uiHide, b.uiHide, a.uiHide);
   KeepChange(s.badgeWindow, b.badgeWindow, a.badgeWindow);
   KeepChange(s.subOverlayWindow, b.subOverlayWindow, a.subOverlayWindow);

@@ -65,6 +65,10 @@ struct FileStatusRecord {
   std::uint32_t conflictAskShown = 0;
   std::uint32_t resolveConflict = 0;
   std::uint32_t skipNextUpdate = 0;
+  // The add-in is closing the document for a sync action right now: the
+  // before-close handler leaves the report to the action, which tells the
+  // sync app only once the host has really closed the document.
+  std::uint32_t closingForSyncAction = 0;
   std::uint32_t uiHide = 0;
   HWND badgeWindow = nullptr;
   HWND subOverlayWindow = nullptr;

@@ -38,3 +38,21 @@ TEST(SeparateCopyName, KeepsTheInnerDotsOfTheBase) {
   EXPECT_EQ(SeparateCopyName(SplitAtLastDot(L"data.tar.gz"), L"bo", L"2026-01-01 00.00.00.000"),
             L"data.tar (bo 2026-01-01 00.00.00.000).gz");
 }
+
+TEST(IsNewSeparateCopy, OnlyAFileThisSaveBroughtIntoBeingCounts) {
+  EXPECT_TRUE(IsNewSeparateCopy(false, true, true));
+  EXPECT_FALSE(IsNewSeparateCopy(true, true, true));    // overwritten, not made
+  EXPECT_FALSE(IsNewSeparateCopy(false, false, true));  // the host said it failed
+  EXPECT_FALSE(IsNewSeparateCopy(false, true, false));  // the host said yes, but nothing is there
+}
+
+TEST(IsFolderOnDisk, TakesDrivesAndSharesOnly) {
+  EXPECT_TRUE(IsFolderOnDisk(L"C:\\Users\\ann\\Filewell"));
+  EXPECT_TRUE(IsFolderOnDisk(L"d:\\"));
+  EXPECT_TRUE(IsFolderOnDisk(L"\\\\server\\share\\docs"));
+  EXPECT_FALSE(IsFolderOnDisk(L""));
+  EXPECT_FALSE(IsFolderOnDisk(L"https://contoso.sharepoint.com/Shared Documents"));
+  EXPECT_FALSE(IsFolderOnDisk(L"C:"));
+  EXPECT_FALSE(IsFolderOnDisk(L"Documents"));
+  EXPECT_FALSE(IsFolderOnDisk(L"\\\\"));
+}

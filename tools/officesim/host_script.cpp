@@ -93,6 +93,12 @@ bool RunHostScript(const std::vector<std::wstring>& lines, SimApplication& appli
       PrintWindows();
     } else if (command == L"report") {
       application.PrintReferences();
+    } else if (command == L"slow") {
+      unsigned long milliseconds = 0;
+      words >> milliseconds;
+      SimDocument* document = application.FindDocument(RestOfLine(words));
+      if (document == nullptr) return Fail(line, "no such document");
+      document->SetSlowCalls([milliseconds] { PumpMessages(milliseconds); });
     } else if (command == L"open-close-many") {
       std::wstring folder;
       int count = 0;

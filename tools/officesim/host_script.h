@@ -20,6 +20,7 @@ void PumpMessages(unsigned long milliseconds);
 //   type <doc>                 edit it: it has unsaved changes
 //   save <doc>                 save it
 //   fail-saves <doc>           from now on its saves fail
+//   slow <ms> <doc>            its Save, copy and Close each take that long
 //   prompt-answer save|discard|cancel
 //                              what the user answers when asked to save
 //   close <doc>                the user closes it

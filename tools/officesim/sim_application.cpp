@@ -138,6 +138,12 @@ void SimApplication::FireDocumentEvent(DISPID dispid, SimDocument* document, boo
 
 bool SimApplication::FireBeforeClose(SimDocument* document) {
   const HostEvents ids = EventIds(host_);
+  if (host_ == SimHost::PowerPoint && document->closeCancelledElsewhere()) {
+    // PresentationBeforeClose, which another add-in may cancel, comes
+    // before PresentationClose.
+    std::printf("officesim: another add-in cancelled the close of %s\n", ToUtf8(document->name()).c_str());
+    return false;
+  }
   IDispatch* documentPointer = document;
   VARIANT_BOOL cancel = VARIANT_FALSE;
   std::vector<VARIANT> arguments(host_ == SimHost::PowerPoint ? 1 : 2);
@@ -148,6 +154,10 @@ bool SimApplication::FireBeforeClose(SimDocument* document) {
     arguments[1].pboolVal = &cancel;
   }
   events_.Fire(ids.beforeClose, arguments);
+  if (cancel == VARIANT_FALSE && document->closeCancelledElsewhere()) {
+    std::printf("officesim: another add-in cancelled the close of %s\n", ToUtf8(document->name()).c_str());
+    return false;
+  }
   if (cancel != VARIANT_FALSE) {
     std::printf("officesim: an add-in cancelled the close of %s\n", ToUtf8(document->name()).c_str());
     return false;
@@ -213,7 +223,8 @@ bool SimApplication::CloseDocument(SimDocument* document, SaveChoice choice) {
     }
     if (decided == SaveChoice::Save && !document->Save()) return false;
   }
-  if (host_ == SimHost::PowerPoint) FireBeforeClose(document);  // PresentationClose, inside Close
+  if (host_ == SimHost::PowerPoint && !FireBeforeClose(document)) return false;  // PresentationClose, inside Close
+  document->RunSlowCall();
   for (auto it = documents_.begin(); it != documents_.end(); ++it) {
     if (*it != document) continue;
     documents_.erase(it);

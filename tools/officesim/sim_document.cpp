@@ -81,8 +81,18 @@ SimDocument::SimDocument(SimApplication& application, SimHost host, const std::w
     return Save() ? S_OK : DISP_E_EXCEPTION;
   });
   AddMethod(L"Close", 0x6, [this](WORD, const std::vector<VARIANT*>& args, VARIANT*) { return CloseMember(args); });
-  AddMethod(L"SaveCopyAs", 0x7,
-            [this](WORD, const std::vector<VARIANT*>& args, VARIANT*) { return SaveCopyAsMember(args); });
+  if (host == SimHost::Word) {
+    // Word has no SaveCopyAs. SaveAs2 (Word 2010 on: the file name and
+    // sixteen optional arguments) and SaveAs (the file name and fifteen)
+    // write the document to the new file and attach it to that file.
+    AddMethod(L"SaveAs2", 0x1BF,
+              [this](WORD, const std::vector<VARIANT*>& args, VARIANT*) { return WordSaveAsMember(args, 17); });
+    AddMethod(L"SaveAs", 0x178,
+              [this](WORD, const std::vector<VARIANT*>& args, VARIANT*) { return WordSaveAsMember(args, 16); });
+  } else {
+    AddMethod(L"SaveCopyAs", 0x7,
+              [this](WORD, const std::vector<VARIANT*>& args, VARIANT*) { return SaveCopyAsMember(args); });
+  }
   if (host == SimHost::Word) {
     window_ = new SimDispatch(L"Window");
     windowHandle_ = application.mainWindow();
@@ -99,9 +109,10 @@ SimDocument::~SimDocument() {
   if (window_) window_->Release();
 }
 
-void SimDocument::RemoveSaveCopyMethod() { RemoveMember(L"SaveCopyAs"); }
+void SimDocument::RemoveSaveAs2() { RemoveMember(L"SaveAs2"); }
 
 bool SimDocument::Save() {
+  RunSlowCall();  // a save that fails takes its time too
   if (readOnly_ || failSaves_ || folder_.empty()) {
     std::printf("officesim: save of %s failed\n", ToUtf8(name_).c_str());
     return false;
@@ -115,11 +126,11 @@ bool SimDocument::Save() {
 
 HRESULT SimDocument::SaveCopyAsMember(const std::vector<VARIANT*>& args) {
   if (args.empty()) return DISP_E_BADPARAMCOUNT;
-  // Word's takes the file name and up to sixteen optional arguments (the
-  // add-in passes fifteen), Excel's one, PowerPoint's up to three.
-  const size_t allowed = host_ == SimHost::Word ? 17 : host_ == SimHost::Excel ? 1 : 3;
+  // Excel's takes the file name, PowerPoint's up to three arguments.
+  const size_t allowed = host_ == SimHost::Excel ? 1 : 3;
   if (args.size() > allowed) return DISP_E_BADPARAMCOUNT;
   const std::wstring target = StringArgument(args[0]);
+  RunSlowCall();
   if (failSaveCopies_) {
     std::printf("officesim: %s could not save a copy as %s\n", ToUtf8(name_).c_str(), ToUtf8(target).c_str());
     return DISP_E_EXCEPTION;
@@ -151,4 +162,25 @@ HRESULT SimDocument::CloseMember(const std::vector<VARIANT*>& args) {
     }
   }
   return application_.CloseDocument(this, choice) ? S_OK : DISP_E_EXCEPTION;
+}
+
+HRESULT SimDocument::WordSaveAsMember(const std::vector<VARIANT*>& args, size_t allowed) {
+  if (args.size() > allowed) return DISP_E_BADPARAMCOUNT;
+  // Without a name Word would save under the current one; the add-in always
+  // gives one.
+  const std::wstring target = args.empty() || IsMissing(args[0]) ? fullName_ : StringArgument(args[0]);
+  RunSlowCall();
+  if (failSaveCopies_ || target.empty() || !WriteWholeFile(target, "copy\n")) {
+    std::printf("officesim: %s could not be saved as %s\n", ToUtf8(name_).c_str(), ToUtf8(target).c_str());
+    return DISP_E_EXCEPTION;
+  }
+  std::printf("officesim: %s saved as %s\n", ToUtf8(name_).c_str(), ToUtf8(target).c_str());
+  // The document now is the new file, saved.
+  fullName_ = target;
+  const size_t slash = target.find_last_of(L'\\');
+  name_ = target.substr(slash + 1);
+  folder_ = slash == std::wstring::npos ? std::wstring() : target.substr(0, slash);
+  saved_ = true;
+  savedTriState_ = -1;
+  return S_OK;
 }

@@ -1,6 +1,7 @@
 #pragma once
 // A Word document, Excel workbook or PowerPoint presentation backed by a
 // real file in the prefix.
+#include <functional>
 #include <string>
 
 #include "tools/officesim/host_kind.h"
@@ -34,8 +35,26 @@ class SimDocument : public SimDispatch {
   IDispatch* window() const { return window_; }
   // Word: the handle its document window reports (the main window until set).
   void SetWindowHandle(HWND window) { windowHandle_ = window; }
-  // Plays a Word older than the document's save-a-copy method.
-  void RemoveSaveCopyMethod();
+  // Plays a document opened from the web: its Path and FullName are
+  // addresses ("https://…"), not folders on disk.
+  void PlaceOnTheWeb(const std::wstring& folderAddress) {
+    folder_ = folderAddress;
+    fullName_ = folderAddress + L"/" + name_;
+  }
+  // Plays Word 2007, whose documents have SaveAs but not yet SaveAs2.
+  void RemoveSaveAs2();
+  // Plays a host that takes its time: `meanwhile` runs in the middle of
+  // each Save, SaveCopyAs (Word: SaveAs2, SaveAs) and Close, while the
+  // host is busy with it (a test runs the sync app's cycle there; the
+  // script host lets its messages and threads run).
+  void SetSlowCalls(std::function<void()> meanwhile) { slowCalls_ = std::move(meanwhile); }
+  void RunSlowCall() {
+    if (slowCalls_) slowCalls_();
+  }
+  // Plays another add-in that cancels this document's close in its own
+  // before-close handler, after ours has run.
+  void SetCloseCancelledElsewhere(bool cancelled) { closeCancelledElsewhere_ = cancelled; }
+  bool closeCancelledElsewhere() const { return closeCancelledElsewhere_; }
 
   // Writes the file; false when saving is refused (read-only, failing disk,
   // never saved: a save dialog the simulated user does not answer).
@@ -45,6 +64,7 @@ class SimDocument : public SimDispatch {
   ~SimDocument() override;
   HRESULT CloseMember(const std::vector<VARIANT*>& args);
   HRESULT SaveCopyAsMember(const std::vector<VARIANT*>& args);
+  HRESULT WordSaveAsMember(const std::vector<VARIANT*>& args, size_t allowed);
 
   SimApplication& application_;
   SimHost host_;
@@ -59,6 +79,8 @@ class SimDocument : public SimDispatch {
   int saveCount_ = 0;
   SimDispatch* window_ = nullptr;  // Word's document window
   HWND windowHandle_ = nullptr;
+  std::function<void()> slowCalls_;
+  bool closeCancelledElsewhere_ = false;
 };
 
 // True when an optional argument was left out.
