@@ -9,6 +9,7 @@ const char* const kSyncSimUsage =
     "                   [--delay MS] [--busy [--busy-ms MS]] [--instances N]\n"
     "                   [--cut-answer | --hang-up | --garbage | --never-answer]\n"
     "                   [--byte-mode] [--pad UNITS] [--lead HEX | --no-lead]\n"
+    "                   [--mutate SEED] [--die-mid-answer N]\n"
     "                   [--max-requests N] [--run-ms MS]\n"
     "                   [--ready-event NAME] [--stop-event NAME]\n"
     "see docs/syncsim.md\n";
@@ -95,6 +96,11 @@ bool ParseSyncSimOptions(int argc, wchar_t** argv, SyncSimOptions& options, std:
       }
     } else if (argument == L"--no-lead") {
       options.hasLeadUnit = false;
+    } else if (argument == L"--mutate") {
+      options.mutate = true;
+      ok = takeNumber(options.mutateSeed);
+    } else if (argument == L"--die-mid-answer") {
+      ok = takeNumber(options.dieMidAnswer) && options.dieMidAnswer >= 1;
     } else if (argument == L"--max-requests") {
       ok = takeNumber(options.maxRequests);
     } else if (argument == L"--run-ms") {

@@ -31,6 +31,9 @@ struct SyncSimOptions {
   DWORD instances = PIPE_UNLIMITED_INSTANCES;
   long maxRequests = 0;   // stop after this many requests (0: no limit)
   size_t padUnits = 0;    // adds "pad":"xxx..." of this length to every object
+  bool mutate = false;          // bend every answer at random (fault runs)
+  unsigned long mutateSeed = 0;
+  long dieMidAnswer = 0;        // end the process abruptly inside this answer (0: never)
   bool hasLeadUnit = true;
   wchar_t leadUnit = 0xFEFF;  // the unit written before the answer text
 };

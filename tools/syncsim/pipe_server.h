@@ -17,6 +17,10 @@
 
 class PipeServer {
  public:
+  // syncsim's exit code when it ended itself inside an answer.
+  static constexpr UINT kDiedExitCode = 9;
+  static constexpr std::size_t kDyingAnswerUnits = 256 * 1024;
+  static constexpr DWORD kDieAfterMs = 30;
   // Gives the answer text (without the leading unit) for the request text
   // (without its NUL) and the request's number, counted from 1. Called
   // for one request at a time.
@@ -38,6 +42,9 @@ class PipeServer {
   void Serve(HANDLE pipe);
   void Deliver(HANDLE pipe, HANDLE ioEvent, const std::wstring& message);
   void HoldUnanswered(HANDLE pipe, HANDLE ioEvent);
+  // Starts writing `message` and ends the process while it is under way,
+  // as when the sync app is killed or crashes mid-answer. Never returns.
+  [[noreturn]] void DieMidAnswer(HANDLE pipe, HANDLE ioEvent, std::wstring message);
 
   const SyncSimOptions& options_;
   AnswerFunction answer_;
