@@ -19,8 +19,8 @@ class PipeServer {
  public:
   // syncsim's exit code when it ended itself inside an answer.
   static constexpr UINT kDiedExitCode = 9;
-  static constexpr std::size_t kDyingAnswerUnits = 256 * 1024;
-  static constexpr DWORD kDieAfterMs = 30;
+  static constexpr std::size_t kDyingAnswerUnits = 2 * 1024 * 1024;
+  static constexpr DWORD kDieAfterMs = 1;
   // Gives the answer text (without the leading unit) for the request text
   // (without its NUL) and the request's number, counted from 1. Called
   // for one request at a time.
