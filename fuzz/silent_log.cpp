@@ -3,3 +3,4 @@
 #include "log/write_log.h"
 
 void WriteLog(LogLevel, std::wstring) noexcept {}
+bool LogWrites(LogLevel) noexcept { return false; }

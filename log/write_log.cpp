@@ -10,3 +10,5 @@ void WriteLog(LogLevel level, std::wstring message) noexcept {
     // Logging must never stop the caller.
   }
 }
+
+bool LogWrites(LogLevel level) noexcept { return level != LogLevel::Debug; }

@@ -26,7 +26,7 @@ AnswerObject ParseMembers(std::wstring_view object) {
     const size_t keyClose = object.find(L"\":", cursor);
     if (keyOpen == npos || keyClose == npos) return members;
     std::wstring key = Between(object, keyOpen, keyClose);
-    WriteLog(LogLevel::Debug, key);
+    if (LogWrites(LogLevel::Debug)) WriteLog(LogLevel::Debug, key);
     cursor = keyClose + 1;  // now at the colon
 
     const size_t valueOpen = object.find(L'"', cursor);
@@ -34,7 +34,7 @@ AnswerObject ParseMembers(std::wstring_view object) {
     if (valueClose == npos) valueClose = object.find(L"\"}", cursor);  // the last member
     if (valueOpen == npos || valueClose == npos) return members;
     std::wstring value = Between(object, valueOpen, valueClose);
-    WriteLog(LogLevel::Debug, value);
+    if (LogWrites(LogLevel::Debug)) WriteLog(LogLevel::Debug, value);
     members[std::move(key)] = std::move(value);  // a repeated key keeps its last value
     cursor = valueClose + 1;  // now at the comma or the brace
   }
@@ -67,7 +67,7 @@ std::vector<AnswerObject> ParseAnswer(std::wstring_view text) {
         return;
       }
       const std::wstring_view object = text.substr(open, close - open + 1);
-      WriteLog(LogLevel::Debug, std::wstring(object));
+      if (LogWrites(LogLevel::Debug)) WriteLog(LogLevel::Debug, std::wstring(object));
       objects.push_back(ParseMembers(object));
       position = close + 2;  // past the "}" and the separator after it
     }

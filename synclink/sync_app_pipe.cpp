@@ -4,12 +4,17 @@
 #include <atomic>
 
 #include "log/exception_barrier.h"
+#include "synclink/answer_assembly.h"
+#include "synclink/pipe_server_check.h"
 #include "log/write_log.h"
 
 namespace {
 std::atomic<int> g_userNameQueries{0};
 
 std::wstring ErrorText(const wchar_t* what, DWORD error) { return what + std::to_wstring(error); }
+
+// ReadAnswer's result for an answer past the size cap (already logged).
+constexpr DWORD kAnswerAbandoned = ERROR_BUFFER_OVERFLOW;
 
 bool IsSignalled(HANDLE event) { return event != nullptr && WaitForSingleObject(event, 0) == WAIT_OBJECT_0; }
 }  // namespace
@@ -184,13 +189,24 @@ std::wstring SyncAppPipe::ExchangeInTurn(const std::wstring& request, HANDLE sto
   if (pipeName_.empty()) {
     const std::wstring& userName = WindowsUserName();
     WriteLog(LogLevel::Debug, L"username: " + userName);
-    pipeName_ = L"\\\\.\\pipe\\FilewellSync-MSOfficeIntegration-" + userName;
+    pipeName_ = SyncAppPipeNameFor(userName);
+    if (pipeName_.empty()) {
+      // A pipe without the user's name belongs to nobody in particular: it
+      // is never opened. Said once; every exchange is then "ERROR".
+      static std::atomic<bool> told{false};
+      if (!told.exchange(true)) {
+        WriteLog(LogLevel::Error, L"couldn't get the Windows user name - the sync app's pipe is not opened");
+      }
+      return L"ERROR";
+    }
   }
   // Asked to stop while the request was built: the sync app need not hear
   // from a thread that is leaving.
   if (IsSignalled(stopEvent)) return L"ERROR";
   if (!Open(stopEvent, deadline)) return L"ERROR";
   WriteLog(LogLevel::Debug, L"pipe connected");
+  // Not a byte goes to a server that is not the user's own sync app.
+  if (!PipeServerIsTrusted(pipeHandle_)) return L"ERROR";
 
   lastResult_ = SetNamedPipeHandleState(pipeHandle_, &readMode_, nullptr, nullptr);
   if (!lastResult_) {
@@ -216,10 +232,10 @@ std::wstring SyncAppPipe::ExchangeInTurn(const std::wstring& request, HANDLE sto
   std::wstring answer;
   const DWORD readError = ReadAnswer(answer, stopEvent, deadline);
   if (readError != ERROR_SUCCESS) {
-    WriteLog(LogLevel::Error, ErrorText(L"read msg failed. errcode=", readError));
+    if (readError != kAnswerAbandoned) WriteLog(LogLevel::Error, ErrorText(L"read msg failed. errcode=", readError));
     return L"ERROR";
   }
-  WriteLog(LogLevel::Debug, L"read msg completely = " + answer);
+  if (LogWrites(LogLevel::Debug)) WriteLog(LogLevel::Debug, L"read msg completely = " + answer);
   Close();
   return answer;
 }
@@ -227,10 +243,8 @@ std::wstring SyncAppPipe::ExchangeInTurn(const std::wstring& request, HANDLE sto
 bool SyncAppPipe::Open(HANDLE stopEvent, const Deadline& deadline) {
   for (;;) {
     WriteLog(LogLevel::Debug, L"Tring to open pipe: " + pipeName_);
-    // Overlapped, so that a write or read can be given up on: a plain
-    // ReadFile waits for as long as the sync app keeps the connection open.
     pipeHandle_ = CreateFileW(pipeName_.c_str(), GENERIC_READ | GENERIC_WRITE, 0, nullptr, OPEN_EXISTING,
-                              FILE_FLAG_OVERLAPPED, nullptr);
+                              kPipeOpenFlags, nullptr);
     if (pipeHandle_ != INVALID_HANDLE_VALUE) return true;
     pipeHandle_ = nullptr;
     if (GetLastError() != ERROR_PIPE_BUSY) {
@@ -319,7 +333,7 @@ DWORD SyncAppPipe::Finish(BOOL started, DWORD& bytes, HANDLE stopEvent, const De
 
 DWORD SyncAppPipe::ReadAnswer(std::wstring& answer, HANDLE stopEvent, const Deadline& deadline) {
   WriteLog(LogLevel::Debug, L"reading msg");
-  bool firstChunk = true;
+  AnswerAssembly assembly;
   for (;;) {
     overlapped_ = OVERLAPPED{};
     overlapped_.hEvent = ioEvent_.get();
@@ -328,16 +342,21 @@ DWORD SyncAppPipe::ReadAnswer(std::wstring& answer, HANDLE stopEvent, const Dead
     lastResult_ = error == ERROR_SUCCESS;
     if (!lastResult_ && error != ERROR_MORE_DATA) return error;
     WriteLog(LogLevel::Debug, L"read msg" + std::to_wstring(bytesRead_));
-    const wchar_t* text = readBuffer_;
-    if (firstChunk) {
-      // The first unit of every answer is not part of the text, whatever it
-      // holds (the sync app writes U+FEFF there).
-      ++text;
-      firstChunk = false;
-    }
-    answer += text;  // up to the first NUL; the spare unit ends a full chunk
+    // The first unit of every answer is not part of the text, whatever it
+    // holds (the sync app writes U+FEFF there); a NUL ends the answer.
+    const AnswerAssembly::Step step =
+        assembly.Add(readBuffer_, bytesRead_ / sizeof(wchar_t), bytesRead_, lastResult_ != FALSE);
     ZeroMemory(readBuffer_, sizeof(readBuffer_));
-    if (lastResult_) return ERROR_SUCCESS;
+    if (step == AnswerAssembly::Step::TooLong) {
+      WriteLog(LogLevel::Error, L"couldn't read the sync app's answer - longer than " +
+                                    std::to_wstring(kMaxAnswerBytes) + L" bytes, abandoned");
+      return kAnswerAbandoned;
+    }
+    if (step == AnswerAssembly::Step::Complete) {
+      // What follows a NUL is not read at all: the connection is closed.
+      answer = assembly.TakeText();
+      return ERROR_SUCCESS;
+    }
   }
 }
 

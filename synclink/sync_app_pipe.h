@@ -59,6 +59,12 @@ class SyncAppPipe {
   // end by itself (a healthy sync app answers well within it) before asking
   // it to give way.
   static constexpr DWORD kGiveWayGraceMs = 50;
+  // How the pipe is opened. Overlapped, so that a write or read can be
+  // given up on (a plain ReadFile waits for as long as the server keeps
+  // the connection open). Identification only: the server may learn who
+  // we are but never act as us; without these flags any process that
+  // serves the name could impersonate the user.
+  static constexpr DWORD kPipeOpenFlags = FILE_FLAG_OVERLAPPED | SECURITY_SQOS_PRESENT | SECURITY_IDENTIFICATION;
 
   // The whole answer, or "ERROR" when anything failed (logged), within the
   // UI's bound.

@@ -273,8 +273,8 @@ namespace {
 constexpr DWORD kHeapCorruption = 0xC0000374;
 int g_heapCorruptionsSeenLast = 0;
 
-// Installed after the add-in's handler, so it sees a heap corruption only
-// when the add-in's handler is no longer there to take it.
+// Installed after the add-in's handler, which logs a heap corruption and
+// passes it on to this one.
 LONG CALLBACK SeeHeapCorruptionLast(EXCEPTION_POINTERS* exception) {
   if (exception->ExceptionRecord->ExceptionCode != kHeapCorruption) return EXCEPTION_CONTINUE_SEARCH;
   ++g_heapCorruptionsSeenLast;
@@ -284,7 +284,7 @@ LONG CALLBACK SeeHeapCorruptionLast(EXCEPTION_POINTERS* exception) {
 size_t HeapCorruptionLines() {
   size_t count = 0;
   for (const std::string& message : LogMessages(LogFilePath())) {
-    count += message == "STATUS_HEAP_CORRUPTION - trying to continue execution";
+    count += message == "STATUS_HEAP_CORRUPTION - passed on, the process cannot safely go on";
   }
   return count;
 }
@@ -339,16 +339,16 @@ TEST_F(ConnectionInProcess, AnObjectReleasedWithoutDisconnectionRemovesItsExcept
   ASSERT_NE(last, nullptr);
 
   RaiseException(kHeapCorruption, 0, 0, nullptr);
-  EXPECT_EQ(g_heapCorruptionsSeenLast, 0);  // the add-in's handler took it
-  EXPECT_EQ(HeapCorruptionLines(), 1u);
+  EXPECT_EQ(g_heapCorruptionsSeenLast, 1);  // passed on by the add-in's handler
+  EXPECT_EQ(HeapCorruptionLines(), 1u);     // which logged it
 
   addin->Release();
   RaiseException(kHeapCorruption, 0, 0, nullptr);
-  EXPECT_EQ(g_heapCorruptionsSeenLast, 1);
-  EXPECT_EQ(HeapCorruptionLines(), 1u);
+  EXPECT_EQ(g_heapCorruptionsSeenLast, 2);
+  EXPECT_EQ(HeapCorruptionLines(), 1u);  // no handler of ours any more
   RemoveVectoredExceptionHandler(last);
   // Nothing is logged for the release: no disconnection took place.
-  EXPECT_EQ(LogMessages(LogFilePath()).back(), "STATUS_HEAP_CORRUPTION - trying to continue execution");
+  EXPECT_EQ(LogMessages(LogFilePath()).back(), "STATUS_HEAP_CORRUPTION - passed on, the process cannot safely go on");
 }
 
 TEST_F(ConnectionInProcess, AModuleThatMayUnloadHoldsTheLogFileNoLonger) {

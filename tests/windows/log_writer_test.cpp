@@ -244,3 +244,23 @@ TEST_F(LogWriter, KeepsEveryLineWholeWhenThreeProcessesWriteAcrossARotation) {
   EXPECT_EQ(rotations, 1);
   EXPECT_EQ(next, (std::vector<int>{kLinesPerWriter, kLinesPerWriter, kLinesPerWriter}));
 }
+
+// Texts from the sync app reach the log (paths, exception texts): none of
+// them may split a line, forge one, or grow the file past rotation alone.
+TEST_F(LogWriter, WritesLineEndsAndEscapeCharactersOfAMessageEscapedOnOneLine) {
+  WriteLog(LogLevel::Error,
+           L"couldn't x - a\r\n[2025-03-07 09:04:05.008] Word  pid=1 I MainThread - forged\x1b[2J");
+  EXPECT_EQ(ReadLines(LogFilePath()).size(), 1u);
+  EXPECT_EQ(LogMessages(LogFilePath()),
+            (std::vector<std::string>{
+                "couldn't x - a\\r\\n[2025-03-07 09:04:05.008] Word  pid=1 I MainThread - forged\\x1b[2J"}));
+}
+
+TEST_F(LogWriter, CutsAMegabyteMessageToOneShortLineAndDoesNotRotate) {
+  WriteLog(LogLevel::Error, std::wstring(1048576, L'm') + L"\n");
+  WriteLog(LogLevel::Info, L"next");
+  EXPECT_EQ(LogMessages(LogFilePath()),
+            (std::vector<std::string>{std::string(2048, 'm') + " [cut: 1048577 characters in all]", "next"}));
+  EXPECT_LT(FileSize(LogFilePath()), 2048u + 200u * 2);
+  EXPECT_EQ(GetFileAttributesW(RotatedLogFilePath().c_str()), INVALID_FILE_ATTRIBUTES);
+}

@@ -2,6 +2,7 @@
 // stop conditions, seen through the add-in's own pipe client.
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <thread>
 
 #include "common/text.h"
@@ -167,14 +168,26 @@ TEST_F(SyncSim, NeverAnswersARequestItHasReadAndRecordedUntilItIsStopped) {
   EXPECT_EQ(bytes, 0u);
 }
 
-TEST_F(SyncSim, AnswersUntilTheGivenRequestAndDiesWhileAnsweringIt) {
-  // Far more than the pipe's buffers hold, so the write is still going on.
-  const std::wstring answerFile = FreshTempPath(L"syncsim-dying-answer.txt");
-  const std::wstring answer = L"{\"resp\":[{\"file_path\":\"" + std::wstring(300000, L'x') + L"\"}]}";
-  WriteUtf8File(answerFile, answer);
-  ASSERT_TRUE(syncSim_.Start(L"--die-mid-answer 2 --answer-file " + Quoted(answerFile)));
-  EXPECT_EQ(Exchange(pipe_, RequestFor(L"C:\\r.docx")), answer);
+// Fault runs depend on it: the same seed bends the same answers the same way.
+TEST_F(SyncSim, BendsItsAnswersTheSameWayForTheSameSeed) {
+  const std::wstring scenario = L"file C:\\r.docx\nset is_sync_file=true\nset file_combo_id=k3v9x\n";
+  const std::string plain = "{\"resp\":[{\"file_path\":\"C:\\r.docx\",\"is_sync_file\":\"true\",\"file_combo_id\":\"k3v9x\"}]}";
+  auto answers = [&](const wchar_t* seed) {
+    ServeScenario(scenario, std::wstring(L"--mutate ") + seed);
+    std::vector<std::string> texts;
+    for (int i = 0; i < 6; ++i) texts.push_back(Exchange(RequestFor(L"C:\\r.docx")));
+    syncSim_.Stop();
+    return texts;
+  };
+  const std::vector<std::string> first = answers(L"7");
+  EXPECT_EQ(answers(L"7"), first);
+  EXPECT_NE(answers(L"8"), first);
+  EXPECT_EQ(std::count(first.begin(), first.end(), plain), 0);
+}
 
+TEST_F(SyncSim, DiesInTheMiddleOfTheGivenAnswer) {
+  ServeScenario(L"", L"--max-requests 2 --die-mid-answer 2");
+  EXPECT_EQ(Exchange(RequestFor(L"C:\\r.docx")), "{\"resp\":[]}");
   EXPECT_EQ(Exchange(RequestFor(L"C:\\r.docx")), "ERROR");
   ASSERT_TRUE(syncSim_.WaitForExit(10000));
   EXPECT_EQ(syncSim_.ExitCode(), 9u);

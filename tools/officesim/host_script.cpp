@@ -7,6 +7,7 @@
 #include <sstream>
 
 #include "common/text.h"
+#include "tools/officesim/resource_counts.h"
 #include "tools/officesim/screen_actions.h"
 #include "tools/officesim/sim_document.h"
 
@@ -22,6 +23,29 @@ void PumpMessages(unsigned long milliseconds) {
     if (now >= end) return;
     MsgWaitForMultipleObjects(0, nullptr, FALSE, static_cast<DWORD>(end - now), QS_ALLINPUT);
   }
+}
+
+bool WaitForNamedEvent(const std::wstring& name, unsigned long timeoutMs) {
+  HANDLE event = CreateEventW(nullptr, TRUE, FALSE, name.c_str());
+  if (event == nullptr) return false;
+  const ULONGLONG end = GetTickCount64() + timeoutMs;
+  bool set = false;
+  for (;;) {
+    MSG message;
+    while (PeekMessageW(&message, nullptr, 0, 0, PM_REMOVE)) {
+      TranslateMessage(&message);
+      DispatchMessageW(&message);
+    }
+    const ULONGLONG now = GetTickCount64();
+    if (WaitForSingleObject(event, 0) == WAIT_OBJECT_0) {
+      set = true;
+      break;
+    }
+    if (now >= end) break;
+    MsgWaitForMultipleObjects(1, &event, FALSE, static_cast<DWORD>(end - now), QS_ALLINPUT);
+  }
+  CloseHandle(event);
+  return set;
 }
 
 std::vector<std::wstring> ReadScriptFile(const std::wstring& path) {
@@ -99,6 +123,18 @@ bool RunHostScript(const std::vector<std::wstring>& lines, SimApplication& appli
       SimDocument* document = application.FindDocument(RestOfLine(words));
       if (document == nullptr) return Fail(line, "no such document");
       document->SetSlowCalls([milliseconds] { PumpMessages(milliseconds); });
+    } else if (command == L"resources") {
+      std::printf("officesim: resources: %s\n", Describe(CurrentResourceCounts()).c_str());
+    } else if (command == L"signal") {
+      // A named event another process (a test driving a long run) waits on.
+      HANDLE event = CreateEventW(nullptr, TRUE, FALSE, RestOfLine(words).c_str());
+      if (event == nullptr) return Fail(line, "event not created");
+      SetEvent(event);
+      CloseHandle(event);
+    } else if (command == L"wait-for-event") {
+      unsigned long timeoutMs = 0;
+      words >> timeoutMs;
+      if (!WaitForNamedEvent(RestOfLine(words), timeoutMs)) return Fail(line, "event not set in time");
     } else if (command == L"open-close-many") {
       std::wstring folder;
       int count = 0;

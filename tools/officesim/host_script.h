@@ -10,6 +10,10 @@
 // Pumps the host's messages for the given time.
 void PumpMessages(unsigned long milliseconds);
 
+// Pumps the host's messages until the named event is set (true) or the
+// time is up (false).
+bool WaitForNamedEvent(const std::wstring& name, unsigned long timeoutMs);
+
 // Runs the commands; returns false (after printing why) on an unknown or
 // failing command. Documents are named by Name or FullName. Commands:
 //   wait <ms>                  let the host run for a while
@@ -32,6 +36,10 @@ void PumpMessages(unsigned long milliseconds);
 //   wait-for-text <ms> <text>  let the host run until a visible window shows that text
 //   windows                    print the host's top-level windows (the overlays included)
 //   report                     print the references add-ins hold on documents
+//   resources                  print the process's handles, GDI/USER objects and private bytes
+//   signal <event>             set a named event (for a test that drives a long run)
+//   wait-for-event <ms> <event>
+//                              let the host run until that named event is set
 //   # ...                      a comment
 bool RunHostScript(const std::vector<std::wstring>& lines, SimApplication& application);
 std::vector<std::wstring> ReadScriptFile(const std::wstring& path);

@@ -9,6 +9,7 @@
 #include <string>
 
 #include "common/text.h"
+#include "tools/syncsim/answer_mutator.h"
 #include "tools/syncsim/options.h"
 #include "tools/syncsim/pipe_server.h"
 #include "tools/syncsim/request_reader.h"
@@ -73,10 +74,17 @@ int wmain(int argc, wchar_t** argv) {
   }
   scenario.SetPadding(options.padUnits);
 
+  AnswerMutator mutator(static_cast<std::uint32_t>(options.mutateSeed));
+  if (options.mutate) std::printf("syncsim: mutating answers with seed %lu\n", options.mutateSeed);
+
   RequestRecorder recorder(options.recordFile, options.recordRawFile);
   PipeServer server(options, [&](const std::wstring& request, long number) {
-    if (hasFixedAnswer) return fixedAnswer;
-    return scenario.Answer(ReadRequest(request), number);
+    std::wstring answer = hasFixedAnswer ? fixedAnswer : scenario.Answer(ReadRequest(request), number);
+    if (!options.mutate) return answer;
+    std::string what;
+    answer = mutator.Mutate(answer, what);
+    std::printf("syncsim: answer %ld mutated: %s, %zu units\n", number, what.c_str(), answer.size());
+    return answer;
   }, recorder);
   return server.Run();
 }

@@ -10,7 +10,8 @@ const char* const kSyncSimUsage =
     "                   [--cut-answer | --hang-up | --garbage | --never-answer]\n"
     "                   [--byte-mode] [--pad UNITS] [--lead HEX | --no-lead]\n"
     "                   [--answer-every-request] [--hang-up-on NAME:VALUE]\n"
-    "                   [--max-requests N] [--run-ms MS] [--die-mid-answer N]\n"
+    "                   [--mutate SEED] [--die-mid-answer N]\n"
+    "                   [--max-requests N] [--run-ms MS]\n"
     "                   [--ready-event NAME] [--stop-event NAME]\n"
     "see docs/syncsim.md\n";
 
@@ -108,6 +109,9 @@ bool ParseSyncSimOptions(int argc, wchar_t** argv, SyncSimOptions& options, std:
       }
     } else if (argument == L"--no-lead") {
       options.hasLeadUnit = false;
+    } else if (argument == L"--mutate") {
+      options.mutate = true;
+      ok = takeNumber(options.mutateSeed);
     } else if (argument == L"--die-mid-answer") {
       ok = takeNumber(options.dieMidAnswer) && options.dieMidAnswer >= 1;
     } else if (argument == L"--max-requests") {

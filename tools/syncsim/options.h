@@ -39,6 +39,8 @@ struct SyncSimOptions {
   // Hangs up unanswered on a request that carries this member text
   // (e.g. "uiHide":true), and only on those.
   std::wstring hangUpOn;
+  bool mutate = false;          // bend every answer at random (fault runs)
+  unsigned long mutateSeed = 0;
   bool hasLeadUnit = true;
   wchar_t leadUnit = 0xFEFF;  // the unit written before the answer text
 };

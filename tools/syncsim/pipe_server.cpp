@@ -276,6 +276,7 @@ void PipeServer::Serve(HANDLE pipeHandle) {
     DWORD delay = options_.delayMs;
     if (delay == 0 && options_.delivery == AnswerDelivery::CutMidAnswer) delay = kCutAfterMs;
     if (delay > 0) Sleep(delay);
+    if (number == options_.dieMidAnswer) DieMidAnswer(pipe.get(), ioEvent.get(), message);
     Deliver(pipe.get(), ioEvent.get(), message, !options_.answerEveryRequest);
     if (!options_.answerEveryRequest) break;
     bytes.clear();
@@ -286,6 +287,23 @@ void PipeServer::Serve(HANDLE pipeHandle) {
   }
   ++servedCount_;
   SetEvent(wakeEvent_.get());
+}
+
+void PipeServer::DieMidAnswer(HANDLE pipe, HANDLE ioEvent, std::wstring message) {
+  // Long enough that the write is still going when the process ends: the
+  // client has read part of the message, and the rest never comes.
+  if (message.size() < kDyingAnswerUnits) message.append(kDyingAnswerUnits - message.size(), L' ');
+  OVERLAPPED overlapped{};
+  overlapped.hEvent = ioEvent;
+  WriteFile(pipe, message.data(), static_cast<DWORD>(message.size() * sizeof(wchar_t)), nullptr, &overlapped);
+  Sleep(kDieAfterMs);
+  // What the client has not read yet goes with the connection: a pipe
+  // buffers the whole write at once under Wine, where a killed process
+  // would otherwise still deliver its answer whole.
+  DisconnectNamedPipe(pipe);
+  std::printf("syncsim: dying in the middle of answer %ld\n", options_.dieMidAnswer);
+  TerminateProcess(GetCurrentProcess(), kDiedExitCode);
+  ExitProcess(kDiedExitCode);  // not reached
 }
 
 void PipeServer::HoldUnanswered(HANDLE pipe, HANDLE ioEvent) {
@@ -320,12 +338,6 @@ void PipeServer::Deliver(HANDLE pipe, HANDLE ioEvent, const std::wstring& messag
   OVERLAPPED overlapped{};
   overlapped.hEvent = ioEvent;
   const BOOL started = WriteFile(pipe, message.data(), size, nullptr, &overlapped);
-  if (options_.dieMidAnswer != 0 && requestCount_.load() >= options_.dieMidAnswer) {
-    // The sync app crashing (or being ended) while it answers: no
-    // disconnection of its own, the system closes whatever it held.
-    std::printf("syncsim: dies while writing the answer of %lu bytes\n", size);
-    TerminateProcess(GetCurrentProcess(), 9);
-  }
   if (options_.delivery == AnswerDelivery::CutMidAnswer) {
     // Whatever the client has not read yet is thrown away with the
     // connection, as when the sync app dies while answering.

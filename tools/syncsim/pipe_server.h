@@ -17,6 +17,10 @@
 
 class PipeServer {
  public:
+  // syncsim's exit code when it ended itself inside an answer.
+  static constexpr UINT kDiedExitCode = 9;
+  static constexpr std::size_t kDyingAnswerUnits = 2 * 1024 * 1024;
+  static constexpr DWORD kDieAfterMs = 1;
   // Gives the answer text (without the leading unit) for the request text
   // (without its NUL) and the request's number, counted from 1. Called
   // for one request at a time.
@@ -39,6 +43,9 @@ class PipeServer {
   // With awaitHangUp, waits for the client to close its end and disconnects.
   void Deliver(HANDLE pipe, HANDLE ioEvent, const std::wstring& message, bool awaitHangUp);
   void HoldUnanswered(HANDLE pipe, HANDLE ioEvent);
+  // Starts writing `message` and ends the process while it is under way,
+  // as when the sync app is killed or crashes mid-answer. Never returns.
+  [[noreturn]] void DieMidAnswer(HANDLE pipe, HANDLE ioEvent, std::wstring message);
 
   const SyncSimOptions& options_;
   AnswerFunction answer_;
