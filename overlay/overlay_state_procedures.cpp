@@ -118,6 +118,18 @@ HWND BuildPanelFor(OverlayState state, const FileStatusRecord& record) {
   }
 }
 
+// The user's pending choices go when a panel state is drawn, except a
+// download press whose download is still running: it holds, with the
+// separate-copy choice made with it, until the download finished or failed.
+void ForgetChoicesOnTheWay(OverlayState state, FileStatusRecord& record) {
+  const bool keepPress = state == OverlayState::Download && KeepsDownloadPress(FactsOf(record));
+  const std::uint32_t saveSeparateCopy = record.saveSeparateCopy;
+  ResetUserActionFlags(record);
+  if (!keepPress) return;
+  record.downloadRequested = 1;
+  record.saveSeparateCopy = saveSeparateCopy;
+}
+
 // DELETE, CONFLICT, DOWNLOAD, RENAME/MOVE, EDITING, VIEWING ONLY and SAFE TO
 // EDIT: the badge in the kind's picture and the state's panel.
 void ShowPanelState(OverlayState state, const std::wstring& path, FileStatusRecord& record, bool panelWasVisible) {
@@ -129,7 +141,7 @@ void ShowPanelState(OverlayState state, const std::wstring& path, FileStatusReco
     record.overlayUpToDate = 1;
     return;
   }
-  ResetUserActionFlags(record);
+  ForgetChoicesOnTheWay(state, record);
   // A change of the unsaved state alone never rebuilds these panels.
   if (record.overlayUpToDate) return;
   DestroyPanel(record);

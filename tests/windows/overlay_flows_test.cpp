@@ -329,6 +329,59 @@ TEST_P(PanelFlow, DownloadWithUnsavedChangesLetsThemGoWhenTheUserDiscardsThem) {
   ExpectLastRequest(closed);
 }
 
+// The sync app may take several cycles to fetch the new version: the
+// user's press, and the choice of the check box with it, hold until it
+// reports the download finished.
+TEST_P(PanelFlow, ADownloadPressIsRememberedWhileTheSyncAppIsStillDownloading) {
+  const wchar_t kSlowDownload[] =
+      L"set is_download_present=Downloading\n"
+      L"after 4\n"
+      L"set is_download_present=Downloaded\n";
+  SimDocument* document = OpenSynced(L"report", kSlowDownload, true);
+  ASSERT_NE(document, nullptr);
+  HWND offer = Panel();
+  ExpectPanelOnScreen(offer, {4001, 3001});
+  flow_.Check(offer, 4001);
+  flow_.Press(offer, 3001);
+  ExpectPanelOnScreen(Panel(), {3002});
+
+  for (int cycle = 0; cycle < 3; ++cycle) {
+    flow_.CycleAndTick();
+    SCOPED_TRACE("cycle " + std::to_string(cycle + 2) + ", still downloading");
+    ExpectPanelOnScreen(Panel(), {3002});
+    EXPECT_EQ(TextOf(Panel(), 3002), L"Downloading...");
+    EXPECT_EQ(Record().downloadRequested, 1u);
+    EXPECT_EQ(Record().saveSeparateCopy, 1u);
+  }
+
+  // Downloaded: the user chose the separate copy already, so the
+  // confirmation only says "Reload".
+  flow_.CycleAndTick();
+  HWND reload = Panel();
+  ExpectPanelOnScreen(reload, {3003});
+  EXPECT_TRUE(Shows(reload, L"To load the latest version of this file, click \"Reload\"."));
+  EXPECT_EQ(Record().reloadPromptPlain, 1u);
+  ExpectStillOpenWithTheUsersChanges(document);
+}
+
+TEST_P(PanelFlow, AnUntickedBoxIsRememberedWhileTheSyncAppIsStillDownloading) {
+  const wchar_t kSlowDownload[] =
+      L"set is_download_present=Downloading\n"
+      L"after 4\n"
+      L"set is_download_present=Downloaded\n";
+  SimDocument* document = OpenSynced(L"report", kSlowDownload, true);
+  ASSERT_NE(document, nullptr);
+  flow_.Press(Panel(), 3001);
+  for (int cycle = 0; cycle < 3; ++cycle) flow_.CycleAndTick();
+  ExpectPanelOnScreen(Panel(), {3002});
+
+  // The user did not keep a copy: the confirmation asks about the changes.
+  flow_.CycleAndTick();
+  ExpectPanelOnScreen(Panel(), {3004, 3005});
+  EXPECT_EQ(Record().reloadPromptAskSave, 1u);
+  ExpectStillOpenWithTheUsersChanges(document);
+}
+
 // --- Conflict ---------------------------------------------------------------
 
 TEST_P(PanelFlow, ConflictResolvedWithContinueClosesTheFileForTheResolveWindow) {
