@@ -195,7 +195,8 @@ void ShowStatusStrip(OverlayKind kind, const std::wstring& path, FileStatusRecor
   if (record.badgeWindow == nullptr) {
     const bool loading = kind == OverlayKind::Loading;
     WriteLog(LogLevel::Info, (loading ? L"loading: " : L"no internet: ") + path);
-    HBITMAP drive = SharedImage(BadgeImageFile(kind));
+    // The drive sits on the strip's own colour, not on the badge's key.
+    HBITMAP drive = SharedImage(BadgeImageFile(kind), loading ? kLoadingStripBlue : kPanelWhite);
     record.badgeWindow = loading ? CreateLoadingOverlay(record.hostWindow, drive, record.posX, record.posY)
                                  : CreateNoInternetOverlay(record.hostWindow, drive, record.posX, record.posY);
     record.subOverlayWindow = nullptr;
