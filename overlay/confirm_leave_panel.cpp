@@ -104,3 +104,9 @@ PanelLayout ConfirmLeavePanelLayout(bool unsaved, bool conflict, bool download, 
   }
   return layout;
 }
+
+std::array<int, 2> ConfirmLeaveFirstChoiceIds(bool conflict, bool download, bool rename, bool move) {
+  const Situation* situation = SituationOf(conflict, download, rename, move);
+  if (situation == nullptr) return {0, 0};
+  return {situation->onlyChoice.id, situation->firstChoice.id};
+}

@@ -35,7 +35,7 @@ std::vector<BYTE> ReadWholeFile(const std::wstring& path) {
 }
 }  // namespace
 
-HBITMAP LoadImageBitmap(std::wstring path) {
+HBITMAP LoadImageBitmap(std::wstring path, COLORREF background) {
   return Guarded(L"loading image", static_cast<HBITMAP>(nullptr), [&]() -> HBITMAP {
     const std::vector<BYTE> bytes = ReadWholeFile(path);
     ComPtr<IStream> stream =
@@ -49,7 +49,8 @@ HBITMAP LoadImageBitmap(std::wstring path) {
     }
     WriteLog(LogLevel::Debug, L"loaded bitmap");
     HBITMAP handle = nullptr;
-    const Gdiplus::Status converted = bitmap.GetHBITMAP(Gdiplus::Color(0xFF, 169, 169, 169), &handle);
+    const Gdiplus::Status converted = bitmap.GetHBITMAP(
+        Gdiplus::Color(0xFF, GetRValue(background), GetGValue(background), GetBValue(background)), &handle);
     if (converted != Gdiplus::Ok || handle == nullptr) {
       WriteLog(LogLevel::Error,
                L"couldn't load hbitmap (" + path + L") - gdi status=" + std::to_wstring(static_cast<int>(converted)));

@@ -3,13 +3,14 @@
 
 #include <string>
 
-// Reads a PNG file into a GDI bitmap through GDI+ (from a memory stream, so
-// the file is not held open). Every transparent pixel becomes the grey
-// RGB(169, 169, 169), the colour key of the layered badge. Null on any
-// failure, with one error line naming the path and the GDI+ status. The
-// caller owns the bitmap. GDI+ must be running.
-HBITMAP LoadImageBitmap(std::wstring path);
-
-// The colour every transparent pixel is flattened onto, and the key that
-// makes it see-through again on a layered window.
+// The colour every transparent pixel of a badge picture is flattened onto,
+// and the key that makes it see-through again on a layered window.
 inline constexpr COLORREF kOverlayColourKey = RGB(169, 169, 169);
+
+// Reads a PNG file into a GDI bitmap through GDI+ (from a memory stream, so
+// the file is not held open). Every transparent pixel becomes `background`:
+// the colour key for the layered badge, the colour of the panel or strip
+// for a picture shown in a plain image control. Null on any failure, with
+// one error line naming the path and the GDI+ status. The caller owns the
+// bitmap. GDI+ must be running.
+HBITMAP LoadImageBitmap(std::wstring path, COLORREF background = kOverlayColourKey);

@@ -57,13 +57,13 @@ StepImage ImageOf(const LayoutStep& step, HBITMAP driveBitmap) {
     case ImageRole::Avatar: {
       if (step.tryUserAvatar) {
         // Loaded afresh for every panel: the sync app may have a newer one.
-        HBITMAP own = LoadImageBitmap(AvatarFolder() + L"\\" + step.avatarFile);
+        HBITMAP own = LoadImageBitmap(AvatarFolder() + L"\\" + step.avatarFile, step.backdrop);
         if (own != nullptr) return {own, true};
       }
-      return {DefaultAvatar(), false};
+      return {DefaultAvatar(step.backdrop), false};
     }
     case ImageRole::ErrorIcon:
-      return {SharedImage(kErrorIconImage), false};
+      return {SharedImage(kErrorIconImage, step.backdrop), false};
     case ImageRole::DriveBitmap:
       return {driveBitmap, false};
     default:

@@ -127,3 +127,5 @@ bool LoadingWorthShowing(const OverlayFacts& facts, OverlayKind currentKind) {
                              facts.editorCount == 0 && facts.viewerCount == 0;
   return !nothingToShow;
 }
+
+bool KeepsDownloadPress(const OverlayFacts& facts) { return facts.downloadRequested && facts.downloadState == 0; }

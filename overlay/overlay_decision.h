@@ -83,3 +83,9 @@ bool ShowPanelOnBuild(OverlayState state, OverlayKind kindBefore, bool panelWasV
 // The loading badge is for files that already show something or have news
 // coming; a plain file still loading gets none.
 bool LoadingWorthShowing(const OverlayFacts& facts, OverlayKind currentKind);
+
+// A download the user asked for is still on its way: the press (and the
+// choice of the separate-copy box made with it) holds until the sync app
+// reports the download finished or failed, so the panel keeps saying
+// "Downloading..." and the reload confirmation follows.
+bool KeepsDownloadPress(const OverlayFacts& facts);

@@ -37,3 +37,9 @@ Point PlaceSubOverlay(const Rect& office, const Rect& badge, int width, int heig
 Point DraggedBadgePosition(const Point& cursorScreen, int width, int height) {
   return {cursorScreen.x - width / 2, cursorScreen.y - height / 2};
 }
+
+bool LeavesDragRectangle(const Point& press, const Point& cursor, int dragWidth, int dragHeight) {
+  const int dx = cursor.x > press.x ? cursor.x - press.x : press.x - cursor.x;
+  const int dy = cursor.y > press.y ? cursor.y - press.y : press.y - cursor.y;
+  return dx > dragWidth || dy > dragHeight;
+}

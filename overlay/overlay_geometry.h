@@ -48,3 +48,9 @@ Point PlaceSubOverlay(const Rect& office, const Rect& badge, int width, int heig
 // The badge's top-left corner while it is dragged: centred on the cursor
 // (integer halves, as the badge's own size gives them).
 Point DraggedBadgePosition(const Point& cursorScreen, int width, int height);
+
+// Whether the cursor has left the drag rectangle around the point where the
+// button went down: more than dragWidth pixels to either side or more than
+// dragHeight above or below (SM_CXDRAG, SM_CYDRAG). Until then a press and
+// release is a click, however the hand shook.
+bool LeavesDragRectangle(const Point& press, const Point& cursor, int dragWidth, int dragHeight);

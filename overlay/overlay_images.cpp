@@ -20,14 +20,16 @@ std::map<std::wstring, HBITMAP>& Slots() {
 }
 }  // namespace
 
-HBITMAP SharedImage(const wchar_t* fileName) {
-  HBITMAP& slot = Slots()[fileName];
-  if (slot == nullptr) slot = LoadImageBitmap(ImagesFolder + L"\\" + fileName);
+HBITMAP SharedImage(const wchar_t* fileName, COLORREF backdrop) {
+  std::wstring key = fileName;
+  if (backdrop != kOverlayColourKey) key += L"|" + std::to_wstring(backdrop);
+  HBITMAP& slot = Slots()[key];
+  if (slot == nullptr) slot = LoadImageBitmap(ImagesFolder + L"\\" + fileName, backdrop);
   return slot;
 }
 
-HBITMAP DefaultAvatar() {
-  HBITMAP avatar = SharedImage(kDefaultAvatarImage);
+HBITMAP DefaultAvatar(COLORREF backdrop) {
+  HBITMAP avatar = SharedImage(kDefaultAvatarImage, backdrop);
   WriteLog(LogLevel::Debug, L"default avatar loaded");
   return avatar;
 }

@@ -8,6 +8,8 @@
 
 #include <string>
 
+#include "overlay/image_loading.h"
+
 // %APPDATA%\QelvoFilewell\bin\images, where the sync app installs the
 // overlay images; settled once when the UI toolkit starts.
 extern std::wstring ImagesFolder;
@@ -17,9 +19,11 @@ std::wstring AvatarFolder();
 
 // The kept bitmap of an image of the images folder ("drive_tick.png"),
 // loaded now if its slot is empty; null when it cannot be loaded. The
-// caller must not delete it.
-HBITMAP SharedImage(const wchar_t* fileName);
+// caller must not delete it. Its transparent pixels are `backdrop`: the
+// colour key for the badge, the colour behind the picture for an image
+// control; each backdrop has a slot of its own.
+HBITMAP SharedImage(const wchar_t* fileName, COLORREF backdrop = kOverlayColourKey);
 
-// The default avatar (kept like the images above); logs that it was
-// chosen.
-HBITMAP DefaultAvatar();
+// The default avatar (kept like the images above) over `backdrop`; logs
+// that it was chosen.
+HBITMAP DefaultAvatar(COLORREF backdrop);

@@ -4,6 +4,7 @@
 
 #include "log/log_last_error.h"
 #include "log/write_log.h"
+#include "overlay/confirm_leave_panel.h"
 #include "overlay/image_file_names.h"
 #include "overlay/image_loading.h"
 #include "overlay/layering.h"
@@ -118,6 +119,18 @@ HWND BuildPanelFor(OverlayState state, const FileStatusRecord& record) {
   }
 }
 
+// The user's pending choices go when a panel state is drawn, except a
+// download press whose download is still running: it holds, with the
+// separate-copy choice made with it, until the download finished or failed.
+void ForgetChoicesOnTheWay(OverlayState state, FileStatusRecord& record) {
+  const bool keepPress = state == OverlayState::Download && KeepsDownloadPress(FactsOf(record));
+  const std::uint32_t saveSeparateCopy = record.saveSeparateCopy;
+  ResetUserActionFlags(record);
+  if (!keepPress) return;
+  record.downloadRequested = 1;
+  record.saveSeparateCopy = saveSeparateCopy;
+}
+
 // DELETE, CONFLICT, DOWNLOAD, RENAME/MOVE, EDITING, VIEWING ONLY and SAFE TO
 // EDIT: the badge in the kind's picture and the state's panel.
 void ShowPanelState(OverlayState state, const std::wstring& path, FileStatusRecord& record, bool panelWasVisible) {
@@ -129,7 +142,7 @@ void ShowPanelState(OverlayState state, const std::wstring& path, FileStatusReco
     record.overlayUpToDate = 1;
     return;
   }
-  ResetUserActionFlags(record);
+  ForgetChoicesOnTheWay(state, record);
   // A change of the unsaved state alone never rebuilds these panels.
   if (record.overlayUpToDate) return;
   DestroyPanel(record);
@@ -182,7 +195,8 @@ void ShowStatusStrip(OverlayKind kind, const std::wstring& path, FileStatusRecor
   if (record.badgeWindow == nullptr) {
     const bool loading = kind == OverlayKind::Loading;
     WriteLog(LogLevel::Info, (loading ? L"loading: " : L"no internet: ") + path);
-    HBITMAP drive = SharedImage(BadgeImageFile(kind));
+    // The drive sits on the strip's own colour, not on the badge's key.
+    HBITMAP drive = SharedImage(BadgeImageFile(kind), loading ? kLoadingStripBlue : kPanelWhite);
     record.badgeWindow = loading ? CreateLoadingOverlay(record.hostWindow, drive, record.posX, record.posY)
                                  : CreateNoInternetOverlay(record.hostWindow, drive, record.posX, record.posY);
     record.subOverlayWindow = nullptr;
@@ -191,14 +205,48 @@ void ShowStatusStrip(OverlayKind kind, const std::wstring& path, FileStatusRecor
   record.overlayUpToDate = 1;
 }
 
-// A confirmation shown again in its other form; shown unless the user had
-// closed the panel of that kind.
-void RebuildConfirmation(FileStatusRecord& record, OverlayKind kind, bool panelWasVisible, bool unsaved,
-                         bool conflict, bool download, bool rename, bool move) {
+// Which confirmation a confirm state asks for: its situation and its kind.
+struct Confirmation {
+  OverlayKind kind;
+  bool conflict;
+  bool download;
+  bool rename;
+  bool move;
+};
+
+// Whether the record's panel is this confirmation in the form that asks
+// about unsaved changes (asking) or in the other. After an action whose
+// close or save did not happen, the panel may be the save error, the other
+// form, or gone with the badge.
+bool IsOnScreen(const FileStatusRecord& record, const Confirmation& c, bool asking) {
+  const int id = ConfirmLeaveFirstChoiceIds(c.conflict, c.download, c.rename, c.move)[asking ? 1 : 0];
+  return record.subOverlayWindow != nullptr && id != 0 && GetDlgItem(record.subOverlayWindow, id) != nullptr;
+}
+bool IsOnScreenInEitherForm(const FileStatusRecord& record, const Confirmation& c) {
+  return IsOnScreen(record, c, false) || IsOnScreen(record, c, true);
+}
+
+// The badge of the kind, built again where an action took it down and the
+// document then stayed open; true when it was built now.
+bool BringBadgeBack(FileStatusRecord& record, OverlayKind kind) {
+  if (record.badgeWindow != nullptr) return false;
+  record.badgeWindow = CreateMainOverlay(record.hostWindow, record.posX, record.posY);
+  if (record.badgeWindow == nullptr) return false;
+  ApplyLayering(record.badgeWindow, SharedImage(BadgeImageFile(kind)), kOverlayColourKey);
+  return true;
+}
+
+// The confirmation built in the form asked for. A confirmation re-formed
+// in place stays closed if the user had closed it; one that comes back
+// after an action that did not happen is shown, for the user to try again.
+void RebuildConfirmation(FileStatusRecord& record, const Confirmation& c, bool panelWasVisible, bool unsaved) {
+  const bool reformed = IsOnScreenInEitherForm(record, c);
+  const bool badgeIsNew = BringBadgeBack(record, c.kind);
+  if (record.badgeWindow == nullptr) return;  // tried again on the next tick
   DestroyPanel(record);
   record.subOverlayWindow =
-      CreateConfirmLeavePanel(record.hostWindow, record.badgeWindow, unsaved, conflict, download, rename, move);
-  const bool keepClosed = KindOf(record) == kind && !panelWasVisible;
+      CreateConfirmLeavePanel(record.hostWindow, record.badgeWindow, unsaved, c.conflict, c.download, c.rename, c.move);
+  const bool keepClosed = reformed && !badgeIsNew && KindOf(record) == c.kind && !panelWasVisible;
   if (record.subOverlayWindow && !keepClosed) ShowWindow(record.subOverlayWindow, SW_SHOWNA);
 }
 
@@ -207,32 +255,32 @@ void RebuildConfirmation(FileStatusRecord& record, OverlayKind kind, bool panelW
 void KeepAskingInStep(std::uint32_t& askShown, OverlayKind kind, FileStatusRecord& record, bool panelWasVisible,
                       bool conflict) {
   const bool editing = record.isEditing != 0;
-  if (askShown && !editing) {
-    RebuildConfirmation(record, kind, panelWasVisible, false, conflict, false, !conflict && record.sync.is_rename_present,
-                        !conflict && record.sync.is_move_present);
-    askShown = 0;
-  } else if (!askShown && editing) {
-    RebuildConfirmation(record, kind, panelWasVisible, true, conflict, false, !conflict && record.sync.is_rename_present,
-                        !conflict && record.sync.is_move_present);
-    askShown = 1;
-  }
+  const Confirmation c{kind, conflict, false, !conflict && record.sync.is_rename_present,
+                       !conflict && record.sync.is_move_present};
+  if ((askShown != 0) == editing && IsOnScreen(record, c, editing)) return;
+  RebuildConfirmation(record, c, panelWasVisible, editing);
+  askShown = editing ? 1 : 0;
 }
 
 // RELOAD CONFIRM: without changes "Reload"; with them the question whether
 // to keep a separate copy, unless the user already chose to keep one.
 void KeepReloadConfirmationInStep(FileStatusRecord& record, bool panelWasVisible) {
+  const Confirmation c{OverlayKind::Download, false, true, false, false};
+  // The form on screen: asking whenever the last build or the user's
+  // "Reload" asked about the changes.
+  const bool onScreen = IsOnScreen(record, c, record.reloadPromptAskSave != 0);
   if (!record.isEditing) {
-    if (record.reloadPromptPlain) return;
-    RebuildConfirmation(record, OverlayKind::Download, panelWasVisible, false, false, true, false, false);
+    if (record.reloadPromptPlain && onScreen) return;
+    RebuildConfirmation(record, c, panelWasVisible, false);
     record.reloadPromptPlain = 1;
     record.reloadPromptAskSave = 0;
     return;
   }
   const bool keepsCopy = record.saveSeparateCopy != 0;
-  if ((keepsCopy && record.reloadPromptPlain) || (!keepsCopy && record.reloadPromptAskSave)) return;
+  if (onScreen && ((keepsCopy && record.reloadPromptPlain) || (!keepsCopy && record.reloadPromptAskSave))) return;
   record.reloadPromptPlain = keepsCopy ? 1 : 0;
   record.reloadPromptAskSave = keepsCopy ? 0 : 1;
-  RebuildConfirmation(record, OverlayKind::Download, panelWasVisible, !keepsCopy, false, true, false, false);
+  RebuildConfirmation(record, c, panelWasVisible, !keepsCopy);
 }
 
 void RunState(OverlayState state, const std::wstring& path, FileStatusRecord& record, bool panelWasVisible) {

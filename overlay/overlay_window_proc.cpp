@@ -46,6 +46,10 @@ LRESULT OnDestroy(HWND window) {
   WriteLog(LogLevel::Debug, L"                    WM_DESTROY");
   TakeBitmapsOutOfControls(window);
   TakeOverlayFontsOutOfLinks(window);
+  // Only a panel that still holds the activation gives it back: taking it
+  // for another document's window would bring that document to the front
+  // under the user's typing, and would pull it from Office's own dialogs.
+  if (GetActiveWindow() != window) return 0;
   if (const std::optional<Owner> owner = OwnerOf(window, Role::Panel)) {
     GiveActivationBack(owner->record);
     WriteLog(LogLevel::Debug, L"WM_DESTROY suboverlay wnd is not active now");
@@ -92,13 +96,44 @@ std::wstring PositionText(const wchar_t* when, long x, long y, const RECT& offic
          L" bottom=" + Number(office.bottom);
 }
 
+// The press is over: a later move over the badge, with or without the
+// button, must not carry it along.
+void EndDrag(const std::wstring& path) {
+  TheFileStatusCache().Change(path, [](FileStatusRecord& record) {
+    record.buttonDown = 0;
+    record.dragged = 0;
+  });
+}
+
+// The badge lost the mouse before its button-up reached it: an Office
+// dialog took the capture, the tick destroyed the badge, or the button went
+// up where the badge could not hear it.
+void EndDragOf(HWND window) {
+  if (const std::optional<std::wstring> path = TheFileStatusCache().PathOfWindow(window, Role::Badge)) EndDrag(*path);
+}
+
 // Drags the badge so it stays centred on the cursor; a move that would
-// leave the Office window is not made.
-LRESULT OnMouseMove(HWND window, LPARAM lParam) {
+// leave the Office window is not made. The drag starts only once the
+// cursor leaves the system's drag rectangle around the press, so a click
+// stays a click.
+LRESULT OnMouseMove(HWND window, WPARAM wParam, LPARAM lParam) {
   WriteLog(LogLevel::Debug, L"                WM_MOUSEMOVE");
   const std::optional<Owner> owner = OwnerOf(window, Role::Badge);
   if (!owner || !owner->record.buttonDown) return 0;
-  TheFileStatusCache().Change(owner->path, [](FileStatusRecord& record) { record.dragged = 1; });
+  if ((wParam & MK_LBUTTON) == 0) {
+    EndDrag(owner->path);
+    if (GetCapture() == window) ReleaseCapture();
+    return 0;
+  }
+  POINT cursor{GET_X_LPARAM(lParam), GET_Y_LPARAM(lParam)};
+  ClientToScreen(window, &cursor);
+  if (!owner->record.dragged) {
+    const Point press{owner->record.pressX, owner->record.pressY};
+    if (!LeavesDragRectangle(press, {cursor.x, cursor.y}, GetSystemMetrics(SM_CXDRAG), GetSystemMetrics(SM_CYDRAG))) {
+      return 0;
+    }
+    TheFileStatusCache().Change(owner->path, [](FileStatusRecord& record) { record.dragged = 1; });
+  }
   RECT badge{};
   if (!GetWindowRect(window, &badge)) {
     LogLastError(L"couldn't get window rect while moving window");
@@ -109,8 +144,6 @@ LRESULT OnMouseMove(HWND window, LPARAM lParam) {
     LogLastError(L"couldn't get window rect while moving window");
     return 0;
   }
-  POINT cursor{GET_X_LPARAM(lParam), GET_Y_LPARAM(lParam)};
-  ClientToScreen(window, &cursor);
   const int width = badge.right - badge.left;
   const int height = badge.bottom - badge.top;
   const Point target = DraggedBadgePosition({cursor.x, cursor.y}, width, height);
@@ -202,8 +235,10 @@ bool Handle(HWND window, UINT message, WPARAM wParam, LPARAM lParam, LRESULT& re
       return true;
     case WM_NCDESTROY:
       // The record forgets the window the moment it is gone, and the
-      // panel's own pictures go with it.
+      // panel's own pictures go with it. A badge destroyed in the middle of
+      // a drag ends it: its successor must not follow the cursor.
       ReleasePanelBitmaps(window);
+      EndDragOf(window);
       TheFileStatusCache().ForgetWindow(window);
       return false;
     case WM_PAINT: {
@@ -239,7 +274,11 @@ bool Handle(HWND window, UINT message, WPARAM wParam, LPARAM lParam, LRESULT& re
       result = OnLeftButtonDown(window, lParam);
       return true;
     case WM_MOUSEMOVE:
-      result = OnMouseMove(window, lParam);
+      result = OnMouseMove(window, wParam, lParam);
+      return true;
+    case WM_CAPTURECHANGED:
+      EndDragOf(window);
+      result = 0;
       return true;
     case WM_LBUTTONUP:
       result = OnLeftButtonUp(window);

@@ -105,6 +105,26 @@ bool CloseForSyncAction(const Pressed& pressed, CloseMode mode, std::uint32_t Fi
   return closed;
 }
 
+// A close that did not happen (the host refused it, the user kept the
+// document) leaves the document open: the next tick draws what its state
+// calls for again, the badge an action took down and the confirmation with
+// it, so the user is never left with nothing and can try again.
+void ShowAgainAtNextTick(const Pressed& pressed) {
+  WriteLog(LogLevel::Warning, L"file not closed, its overlay is shown again: " + pressed.path);
+  Store(pressed, [](FileStatusRecord& record) { record.overlayUpToDate = 0; });
+}
+
+// A save-then-close that did not happen: the save error only when the
+// document still holds the changes (the save failed); a save that worked
+// followed by a refused close is no save error.
+void AfterSaveThenCloseFailed(const Pressed& pressed) {
+  if (HasUnsavedChanges(pressed.record.document)) {
+    ShowErrorPanel(pressed, false);
+  } else {
+    ShowAgainAtNextTick(pressed);
+  }
+}
+
 // 3001: the user wants the newer version; the panel says "Downloading..."
 // until the sync app has it.
 void Download(const Pressed& pressed) {
@@ -156,6 +176,7 @@ void Reload(const Pressed& pressed) {
   // The close's own request tells the sync app the user wants the web
   // version.
   const bool closed = CloseForSyncAction(pressed, CloseMode::CloseLettingTheHostAsk, &FileStatusRecord::retryModify);
+  if (!closed) ShowAgainAtNextTick(pressed);
   if (!closed && Cache().Contains(pressed.path) && HasUnsavedChanges(pressed.record.document)) {
     // The host's own save question is still open: the user kept the file.
     Info(L"download ask save copy or not UI shown: ", pressed);
@@ -192,7 +213,9 @@ void SaveCopyAndReload(const Pressed& pressed) {
 // 3005: reload and let the changes go.
 void DiscardAndReload(const Pressed& pressed) {
   Info(L"download with discard changes in progress: ", pressed);
-  CloseForSyncAction(pressed, CloseMode::CloseWithoutSaving, &FileStatusRecord::retryModify);
+  if (!CloseForSyncAction(pressed, CloseMode::CloseWithoutSaving, &FileStatusRecord::retryModify)) {
+    ShowAgainAtNextTick(pressed);
+  }
 }
 
 // 3006 and 3010: the confirmation, asking about unsaved changes when there
@@ -248,13 +271,17 @@ void ResolveConflict(const Pressed& pressed, CloseMode mode) {
     if (AskAboutChangesMadeSince(pressed, true)) return;
     Info(L"need to open resolve conflict window: ", pressed);
   }
-  if (!CloseForSyncAction(pressed, mode, &FileStatusRecord::resolveConflict) && mode == CloseMode::SaveThenClose) {
-    // Until the next tick asks again whether to save the changes.
-    ShowErrorPanel(pressed, false);
-    Store(pressed, [](FileStatusRecord& record) {
-      record.conflictAskShown = 0;
-      record.overlayUpToDate = 0;
-    });
+  if (!CloseForSyncAction(pressed, mode, &FileStatusRecord::resolveConflict)) {
+    if (mode == CloseMode::SaveThenClose) {
+      // Until the next tick asks again whether to save the changes.
+      AfterSaveThenCloseFailed(pressed);
+      Store(pressed, [](FileStatusRecord& record) {
+        record.conflictAskShown = 0;
+        record.overlayUpToDate = 0;
+      });
+    } else {
+      ShowAgainAtNextTick(pressed);
+    }
   }
   WriteLog(LogLevel::Info, mode == CloseMode::CloseLettingTheHostAsk ? L"resolve conflict continue completed"
                                                                       : L"resolve conflict save/discard completed");
@@ -264,7 +291,9 @@ void ResolveConflict(const Pressed& pressed, CloseMode mode) {
 void FollowRenameOrMove(const Pressed& pressed) {
   if (AskAboutChangesMadeSince(pressed, false)) return;
   Info(L"retry rename/move: ", pressed);
-  CloseForSyncAction(pressed, CloseMode::CloseLettingTheHostAsk, &FileStatusRecord::retryRenameOrMove);
+  if (!CloseForSyncAction(pressed, CloseMode::CloseLettingTheHostAsk, &FileStatusRecord::retryRenameOrMove)) {
+    ShowAgainAtNextTick(pressed);
+  }
   WriteLog(LogLevel::Info, L"rename/move continue completed");
 }
 
@@ -281,7 +310,11 @@ void FollowRenameOrMoveSaving(const Pressed& pressed, bool save) {
   } else if (!CloseForSyncAction(pressed, save ? CloseMode::SaveThenClose : CloseMode::CloseWithoutSaving,
                                  &FileStatusRecord::retryRenameOrMove)) {
     const std::optional<FileStatusRecord> now = Cache().Find(pressed.path);
-    if (now && !now->skipNextUpdate) ShowErrorPanel(pressed, false);
+    if (save && now && !now->skipNextUpdate) {
+      AfterSaveThenCloseFailed(pressed);
+    } else {
+      ShowAgainAtNextTick(pressed);  // the confirmation comes back, asking again
+    }
   }
   Store(pressed, [](FileStatusRecord& record) {
     record.renameMoveAskShown = 0;

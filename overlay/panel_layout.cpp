@@ -37,6 +37,7 @@ bool operator==(const LayoutStep& a, const LayoutStep& b) {
   return a.kind == b.kind && SameText(a.className, b.className) && a.style == b.style && a.exStyle == b.exStyle &&
          a.text == b.text && a.x == b.x && a.y == b.y && a.width == b.width && a.height == b.height && a.id == b.id &&
          a.font == b.font && a.image == b.image && a.tryUserAvatar == b.tryUserAvatar && a.avatarFile == b.avatarFile &&
+         a.backdrop == b.backdrop &&
          a.parent == b.parent && a.target == b.target && a.startMarquee == b.startMarquee &&
          a.circleRegion == b.circleRegion && SameText(a.failureText, b.failureText) &&
          SameText(a.regionFailureText, b.regionFailureText) && SameText(a.setRegionFailureText, b.setRegionFailureText);
@@ -55,6 +56,7 @@ std::ostream& operator<<(std::ostream& out, const LayoutStep& step) {
     out << (step.tryUserAvatar ? " user avatar " : " default avatar ");
     PrintText(out, step.avatarFile.c_str());
   }
+  if (step.image != ImageRole::None) out << " on 0x" << std::hex << step.backdrop << std::dec;
   out << " parent " << step.parent << " target " << step.target;
   if (step.startMarquee) out << " marquee";
   if (step.circleRegion) out << " circle";

@@ -39,6 +39,14 @@ enum class StepKind {
   ResizeChild,
 };
 
+// A colour as Windows holds it (COLORREF, 0x00BBGGRR), for the plain side.
+constexpr std::uint32_t RgbColour(std::uint32_t red, std::uint32_t green, std::uint32_t blue) {
+  return red | (green << 8) | (blue << 16);
+}
+// The panels' and the no-internet strip's white, the loading strip's blue.
+inline constexpr std::uint32_t kPanelWhite = RgbColour(255, 255, 255);
+inline constexpr std::uint32_t kLoadingStripBlue = RgbColour(25, 110, 180);
+
 // parent value of a child of the panel window itself.
 inline constexpr int kPanelParent = -1;
 
@@ -69,6 +77,9 @@ struct LayoutStep {
   ImageRole image = ImageRole::None;
   bool tryUserAvatar = false;
   std::wstring avatarFile;
+  // The colour behind a picture: its transparent pixels are drawn in it, so
+  // no box of the badge's colour key shows around a round avatar or icon.
+  std::uint32_t backdrop = kPanelWhite;
   // kPanelParent, or the index of an earlier step whose window holds this
   // child (the active users' list, the delete panel's note box).
   int parent = kPanelParent;

@@ -26,6 +26,7 @@ PanelLayout LoadingOverlayLayout() {
                            L"creating loading office overlay UI");
   layout.steps.push_back(ImageStep(ImageRole::DriveBitmap, {12, 10, 32, 32}, 2001,
                                    L"couldn't create drive image in loading main office overlay UI - "));
+  layout.steps.back().backdrop = kLoadingStripBlue;
   // No blank before the dash: the log text is kept as it has always read.
   layout.steps.push_back(OwnerDrawnTextStep(L"Qelvo Filewell", {54, 14, 116, 21}, 2001, FontRole::OverlayTitle,
                                             L"couldn't create app title in loading main office overlay UI- "));

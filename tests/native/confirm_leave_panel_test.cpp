@@ -147,3 +147,25 @@ TEST(ConfirmLeavePanel, IsAWhiteBorderedPopupWithItsOwnFailureTexts) {
   EXPECT_EQ(layout.finalResizeFailureText, nullptr);
   EXPECT_EQ(std::wstring(layout.exceptionActivity), L"creating close confirmation UI");
 }
+
+TEST(ConfirmLeaveFirstChoiceIds, NameTheFirstButtonOfEachFormOfEachSituation) {
+  EXPECT_EQ(ConfirmLeaveFirstChoiceIds(true, false, false, false), (std::array<int, 2>{3007, 3008}));
+  EXPECT_EQ(ConfirmLeaveFirstChoiceIds(false, true, false, false), (std::array<int, 2>{3003, 3004}));
+  EXPECT_EQ(ConfirmLeaveFirstChoiceIds(false, false, true, false), (std::array<int, 2>{3011, 3012}));
+  EXPECT_EQ(ConfirmLeaveFirstChoiceIds(false, false, false, true), (std::array<int, 2>{3011, 3012}));
+  EXPECT_EQ(ConfirmLeaveFirstChoiceIds(false, false, false, false), (std::array<int, 2>{0, 0}));
+}
+
+TEST(ConfirmLeaveFirstChoiceIds, AreTheFirstButtonsTheLayoutsCreate) {
+  for (bool unsaved : {false, true}) {
+    const PanelLayout layout = ConfirmLeavePanelLayout(unsaved, false, true, false, false);
+    int firstButton = 0;
+    for (const LayoutStep& step : layout.steps) {
+      if (step.id >= 3000 && step.id < 4000) {
+        firstButton = step.id;
+        break;
+      }
+    }
+    EXPECT_EQ(firstButton, ConfirmLeaveFirstChoiceIds(false, true, false, false)[unsaved ? 1 : 0]);
+  }
+}

@@ -306,3 +306,25 @@ TEST(LoadingWorthShowing, IsForAFileWithAnyNewsComing) {
   EXPECT_TRUE(LoadingWorthShowing(WithUsers(1, 0), OverlayKind::None));
   EXPECT_TRUE(LoadingWorthShowing(WithUsers(0, 1), OverlayKind::None));
 }
+
+TEST(KeepsDownloadPress, HoldsWhileTheRequestedDownloadIsStillRunning) {
+  OverlayFacts facts;
+  facts.downloadState = 0;
+  facts.downloadRequested = true;
+  EXPECT_TRUE(KeepsDownloadPress(facts));
+}
+
+TEST(KeepsDownloadPress, HoldsNotWithoutAPress) {
+  OverlayFacts facts;
+  facts.downloadState = 0;
+  EXPECT_FALSE(KeepsDownloadPress(facts));
+}
+
+TEST(KeepsDownloadPress, HoldsNotOnceTheDownloadFinishedFailedOrIsUnknown) {
+  for (std::uint32_t state : {1u, 2u, 3u, 4u, 0xFFFFFFFFu}) {
+    OverlayFacts facts;
+    facts.downloadState = state;
+    facts.downloadRequested = true;
+    EXPECT_FALSE(KeepsDownloadPress(facts)) << state;
+  }
+}

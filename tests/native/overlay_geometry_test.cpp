@@ -81,3 +81,22 @@ TEST(DraggedBadgePosition, CentresTheBadgeOnTheCursor) {
 TEST(DraggedBadgePosition, TakesIntegerHalvesOfAnOddSize) {
   EXPECT_EQ(DraggedBadgePosition({500, 400}, 71, 69), (Point{465, 366}));
 }
+
+TEST(LeavesDragRectangle, HoldsNotForAMoveUpToTheSystemsDragDistanceOnEitherSide) {
+  EXPECT_FALSE(LeavesDragRectangle({500, 400}, {500, 400}, 4, 4));
+  EXPECT_FALSE(LeavesDragRectangle({500, 400}, {501, 400}, 4, 4));
+  EXPECT_FALSE(LeavesDragRectangle({500, 400}, {504, 396}, 4, 4));
+  EXPECT_FALSE(LeavesDragRectangle({500, 400}, {496, 404}, 4, 4));
+}
+
+TEST(LeavesDragRectangle, HoldsForAMoveOnePixelBeyondItInAnyDirection) {
+  EXPECT_TRUE(LeavesDragRectangle({500, 400}, {505, 400}, 4, 4));
+  EXPECT_TRUE(LeavesDragRectangle({500, 400}, {495, 400}, 4, 4));
+  EXPECT_TRUE(LeavesDragRectangle({500, 400}, {500, 405}, 4, 4));
+  EXPECT_TRUE(LeavesDragRectangle({500, 400}, {500, 395}, 4, 4));
+}
+
+TEST(LeavesDragRectangle, TakesWidthAndHeightApart) {
+  EXPECT_FALSE(LeavesDragRectangle({500, 400}, {510, 402}, 10, 2));
+  EXPECT_TRUE(LeavesDragRectangle({500, 400}, {510, 403}, 10, 2));
+}

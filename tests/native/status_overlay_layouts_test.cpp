@@ -37,6 +37,16 @@ void ExpectWindow(const PanelLayout& layout, const wchar_t* className, std::uint
 }
 }  // namespace
 
+LayoutStep OnTheLoadingBlue(LayoutStep step) {
+  step.backdrop = 0x00B46E19;  // RGB(25, 110, 180) as a COLORREF
+  return step;
+}
+
+TEST(StatusOverlays, DrawTheDrivesTransparentPixelsInTheirStripsColour) {
+  EXPECT_EQ(NoInternetOverlayLayout().steps.at(0).backdrop, 0x00FFFFFFu);
+  EXPECT_EQ(LoadingOverlayLayout().steps.at(0).backdrop, 0x00B46E19u);
+}
+
 TEST(MainOverlay, IsASeventyPixelLayeredPopupWithoutChildren) {
   const PanelLayout layout = MainOverlayLayout();
   ExpectWindow(layout, kMainUiClass, 0x80000000, 0x00080000, 70, 70, L"couldn't create main overlay UI - ",
@@ -62,8 +72,8 @@ TEST(LoadingOverlay, IsABlueStripWithTheDriveAnOwnerDrawnTitleAndAMarqueeAlongTh
   ExpectWindow(layout, kBlueUiClass, 0x80000000, 0, 184, 58, L"couldn't create loading main overlay UI - ",
                L"creating loading office overlay UI");
   ExpectSteps(layout.steps, {
-                                ImageStep(ImageRole::DriveBitmap, {12, 10, 32, 32}, 2001,
-                                          L"couldn't create drive image in loading main office overlay UI - "),
+                                OnTheLoadingBlue(ImageStep(ImageRole::DriveBitmap, {12, 10, 32, 32}, 2001,
+                                          L"couldn't create drive image in loading main office overlay UI - ")),
                                 OwnerDrawnTextStep(L"Qelvo Filewell", {54, 14, 116, 21}, 2001, FontRole::OverlayTitle,
                                                    L"couldn't create app title in loading main office overlay UI- "),
                                 ProgressBarStep({0, 52, 184, 6}, L"couldn't create loading progress bar - "),

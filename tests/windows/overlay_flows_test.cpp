@@ -324,6 +324,59 @@ TEST_P(PanelFlow, DownloadWithUnsavedChangesLetsThemGoWhenTheUserDiscardsThem) {
   ExpectLastRequest(closed);
 }
 
+// The sync app may take several cycles to fetch the new version: the
+// user's press, and the choice of the check box with it, hold until it
+// reports the download finished.
+TEST_P(PanelFlow, ADownloadPressIsRememberedWhileTheSyncAppIsStillDownloading) {
+  const wchar_t kSlowDownload[] =
+      L"set is_download_present=Downloading\n"
+      L"after 4\n"
+      L"set is_download_present=Downloaded\n";
+  SimDocument* document = OpenSynced(L"report", kSlowDownload, true);
+  ASSERT_NE(document, nullptr);
+  HWND offer = Panel();
+  ExpectPanelOnScreen(offer, {4001, 3001});
+  flow_.Check(offer, 4001);
+  flow_.Press(offer, 3001);
+  ExpectPanelOnScreen(Panel(), {3002});
+
+  for (int cycle = 0; cycle < 3; ++cycle) {
+    flow_.CycleAndTick();
+    SCOPED_TRACE("cycle " + std::to_string(cycle + 2) + ", still downloading");
+    ExpectPanelOnScreen(Panel(), {3002});
+    EXPECT_EQ(TextOf(Panel(), 3002), L"Downloading...");
+    EXPECT_EQ(Record().downloadRequested, 1u);
+    EXPECT_EQ(Record().saveSeparateCopy, 1u);
+  }
+
+  // Downloaded: the user chose the separate copy already, so the
+  // confirmation only says "Reload".
+  flow_.CycleAndTick();
+  HWND reload = Panel();
+  ExpectPanelOnScreen(reload, {3003});
+  EXPECT_TRUE(Shows(reload, L"To load the latest version of this file, click \"Reload\"."));
+  EXPECT_EQ(Record().reloadPromptPlain, 1u);
+  ExpectStillOpenWithTheUsersChanges(document);
+}
+
+TEST_P(PanelFlow, AnUntickedBoxIsRememberedWhileTheSyncAppIsStillDownloading) {
+  const wchar_t kSlowDownload[] =
+      L"set is_download_present=Downloading\n"
+      L"after 4\n"
+      L"set is_download_present=Downloaded\n";
+  SimDocument* document = OpenSynced(L"report", kSlowDownload, true);
+  ASSERT_NE(document, nullptr);
+  flow_.Press(Panel(), 3001);
+  for (int cycle = 0; cycle < 3; ++cycle) flow_.CycleAndTick();
+  ExpectPanelOnScreen(Panel(), {3002});
+
+  // The user did not keep a copy: the confirmation asks about the changes.
+  flow_.CycleAndTick();
+  ExpectPanelOnScreen(Panel(), {3004, 3005});
+  EXPECT_EQ(Record().reloadPromptAskSave, 1u);
+  ExpectStillOpenWithTheUsersChanges(document);
+}
+
 // --- Conflict ---------------------------------------------------------------
 
 TEST_P(PanelFlow, ConflictResolvedWithContinueClosesTheFileForTheResolveWindow) {
@@ -787,6 +840,175 @@ TEST_P(PanelFlow, TheTickAfterTheCopyErrorLeavesItOnceAndTheNextAsksAgain) {
   EXPECT_FALSE(IsWindow(error));
   ExpectPanelOnScreen(again, {3004, 3005});
   ExpectStillOpenWithTheUsersChanges(document);
+}
+
+// --- A close or save that does not happen ----------------------------------
+// The user is never left with nothing: within one tick the badge is back
+// with the panel the state calls for, and the action can be tried again.
+
+TEST_P(PanelFlow, AReloadTheHostRefusesBringsTheBadgeAndTheReloadConfirmationBack) {
+  SimDocument* document = OpenSynced(L"report", kNewVersionOnTheWeb, false);
+  ASSERT_NE(document, nullptr);
+  flow_.Press(Panel(), 3001);
+  flow_.CycleAndTick();
+  HWND reload = Panel();
+  ExpectPanelOnScreen(reload, {3003});
+
+  document->SetRefusingClose(true);
+  flow_.Press(reload, 3003);
+  EXPECT_EQ(flow_.app().FindDocument(path_), document);
+  EXPECT_TRUE(TheFileStatusCache().Contains(path_));
+  flow_.Tick();
+  ExpectPanelOnScreen(Panel(), {3003});
+  EXPECT_EQ(Record().overlayKind, 7);
+  EXPECT_EQ(Record().retryModify, 0u);
+
+  // Tried again, the close happens.
+  document->SetRefusingClose(false);
+  HWND badge = Badge();
+  HWND again = Panel();
+  flow_.Press(again, 3003);
+  ExpectClosedAndForgotten(again, badge);
+  RequestFields closed;
+  closed.isOpen = false;
+  closed.retryModify = true;
+  ExpectLastRequest(closed);
+}
+
+TEST_P(PanelFlow, AReloadRefusedWhileTheUserTypedAsksAboutTheChanges) {
+  SimDocument* document = OpenSynced(L"report", kNewVersionOnTheWeb, false);
+  ASSERT_NE(document, nullptr);
+  flow_.Press(Panel(), 3001);
+  flow_.CycleAndTick();
+  document->SetRefusingClose(true);
+  flow_.Press(Panel(), 3003);
+  document->MarkEdited();
+  flow_.Tick();
+  ExpectPanelOnScreen(Panel(), {3004, 3005});
+  ExpectStillOpenWithTheUsersChanges(document);
+}
+
+TEST_P(PanelFlow, ASeparateCopyThatFailsForAUserWhoTickedTheBoxCanBeTriedAgain) {
+  SimDocument* document = OpenSynced(L"report", kNewVersionOnTheWeb, true);
+  ASSERT_NE(document, nullptr);
+  flow_.Check(Panel(), 4001);
+  flow_.Press(Panel(), 3001);
+  flow_.CycleAndTick();
+  flow_.Press(Panel(), 3003);
+  HWND ask = Panel();
+  ExpectPanelOnScreen(ask, {3004, 3005});
+  document->SetFailingSaveCopies(true);
+  flow_.Press(ask, 3004);
+  HWND error = Panel();
+  ExpectPanelOnScreen(error, {});
+  EXPECT_TRUE(Shows(error, L"An error occurred while saving the file. Please ensure you have sufficient privileges and "
+                           L"try again."));
+
+  flow_.CycleAndTick();  // the error stays for one tick
+  EXPECT_EQ(Panel(), error);
+  flow_.CycleAndTick();
+  EXPECT_FALSE(IsWindow(error));
+  ExpectPanelOnScreen(Panel(), {3003});
+  document->SetFailingSaveCopies(false);
+  flow_.Press(Panel(), 3003);
+  ExpectPanelOnScreen(Panel(), {3004, 3005});
+  ExpectStillOpenWithTheUsersChanges(document);
+}
+
+// The save worked; only the close was refused. Nothing says the save
+// failed: the confirmation comes back, now without the save question.
+TEST_P(PanelFlow, AConflictSavedButNotClosedOffersContinueAgainWithoutASaveError) {
+  SimDocument* document = OpenSynced(L"shared", kConflict, true);
+  ASSERT_NE(document, nullptr);
+  flow_.Press(Panel(), 3006);
+  document->SetRefusingClose(true);
+  flow_.Press(Panel(), 3008);
+  EXPECT_EQ(OnDisk(), kSavedOnce);
+  EXPECT_EQ(flow_.app().FindDocument(path_), document);
+  EXPECT_FALSE(Shows(Panel(), L"An error occurred while saving the file. Please ensure you have sufficient privileges "
+                              L"and try again."));
+  flow_.Tick();
+  ExpectPanelOnScreen(Panel(), {3007});
+  EXPECT_EQ(Record().resolveConflict, 0u);
+
+  document->SetRefusingClose(false);
+  HWND badge = Badge();
+  HWND again = Panel();
+  flow_.Press(again, 3007);
+  ExpectClosedAndForgotten(again, badge);
+}
+
+TEST_P(PanelFlow, ARenameSavedButNotClosedOffersContinueAgainWithoutASaveError) {
+  SimDocument* document = OpenSynced(L"draft", Renamed(Named(L"draft"), Named(L"final")), true);
+  ASSERT_NE(document, nullptr);
+  flow_.Press(Panel(), 3010);
+  document->SetRefusingClose(true);
+  flow_.Press(Panel(), 3012);
+  EXPECT_EQ(OnDisk(), kSavedOnce);
+  EXPECT_EQ(flow_.app().FindDocument(path_), document);
+  EXPECT_FALSE(Shows(Panel(), L"An error occurred while saving the file. Please ensure you have sufficient privileges "
+                              L"and try again."));
+  flow_.Tick();
+  ExpectPanelOnScreen(Panel(), {3011});
+  EXPECT_EQ(Record().retryRenameOrMove, 0u);
+
+  document->SetRefusingClose(false);
+  HWND badge = Badge();
+  HWND again = Panel();
+  flow_.Press(again, 3011);
+  ExpectClosedAndForgotten(again, badge);
+}
+
+TEST_P(PanelFlow, ARenameDiscardTheHostRefusesAsksAgainWithoutASaveError) {
+  SimDocument* document = OpenSynced(L"draft", Renamed(Named(L"draft"), Named(L"final")), true);
+  ASSERT_NE(document, nullptr);
+  flow_.Press(Panel(), 3010);
+  document->SetRefusingClose(true);
+  flow_.Press(Panel(), 3013);
+  EXPECT_FALSE(Shows(Panel(), L"An error occurred while saving the file. Please ensure you have sufficient privileges "
+                              L"and try again."));
+  flow_.Tick();
+  ExpectPanelOnScreen(Panel(), {3012, 3013});
+  ExpectStillOpenWithTheUsersChanges(document);
+}
+
+// The actions that leave their confirmation up while they close: after a
+// refused close it is still there, and pressing again closes.
+TEST_P(PanelFlow, ACloseTheHostRefusesLeavesTheConfirmationToTryAgain) {
+  const struct {
+    const wchar_t* base;
+    std::wstring story;
+    bool edited;
+    int ask;  // the button that brings up the confirmation
+    std::vector<int> buttons;
+    int action;
+  } cases[] = {
+      {L"report", kNewVersionOnTheWeb, true, 3001, {3004, 3005}, 3005},
+      {L"shared", kConflict, false, 3006, {3007}, 3007},
+      {L"shared", kConflict, true, 3006, {3008, 3009}, 3009},
+      {L"draft", Renamed(Named(L"draft"), Named(L"final")), false, 3010, {3011}, 3011},
+  };
+  for (const auto& c : cases) {
+    SCOPED_TRACE(c.action);
+    SimDocument* document = OpenSynced(c.base, c.story, c.edited);
+    ASSERT_NE(document, nullptr);
+    flow_.Press(Panel(), c.ask);
+    if (c.action == 3005) {  // the download must finish before the reload
+      flow_.CycleAndTick();
+      ExpectPanelOnScreen(Panel(), {3004, 3005});
+    }
+    ExpectPanelOnScreen(Panel(), c.buttons);
+    document->SetRefusingClose(true);
+    flow_.Press(Panel(), c.action);
+    EXPECT_EQ(flow_.app().FindDocument(path_), document);
+    flow_.Tick();
+    ExpectPanelOnScreen(Panel(), c.buttons);
+    document->SetRefusingClose(false);
+    HWND badge = Badge();
+    HWND again = Panel();
+    flow_.Press(again, c.action);
+    ExpectClosedAndForgotten(again, badge);
+  }
 }
 
 // --- The confirmations follow the unsaved state -----------------------------

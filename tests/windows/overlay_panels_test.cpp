@@ -638,7 +638,7 @@ TEST_F(Panels, ClipsEachStatusDotToTheEllipseOfFourFourThirteenThirteen) {
 TEST_F(Panels, ShowsTheDefaultAvatarForEveryMemberWithoutAnAvatarFile) {
   const UniqueOverlay panel(CreateActiveUsersPanel(OfficeWindow(), badge, L"", L"", L"", kBob, kDanCatEve));
   ASSERT_TRUE(panel);
-  const HBITMAP fallback = SharedImage(kDefaultAvatarImage);
+  const HBITMAP fallback = SharedImage(kDefaultAvatarImage, RGB(255, 255, 255));
   ASSERT_NE(nullptr, fallback);
   int avatars = 0;
   for (const ChildRow& row : ChildrenOf(panel.get())) {
@@ -653,7 +653,36 @@ TEST_F(Panels, ShowsTheErrorIconInTheErrorPanel) {
   const UniqueOverlay panel(CreateErrorMessagePanel(OfficeWindow(), badge, true));
   ASSERT_TRUE(panel);
   const HWND icon = GetWindow(panel.get(), GW_CHILD);
-  EXPECT_EQ(SharedImage(kErrorIconImage), reinterpret_cast<HBITMAP>(SendMessageW(icon, STM_GETIMAGE, IMAGE_BITMAP, 0)));
+  EXPECT_EQ(SharedImage(kErrorIconImage, RGB(255, 255, 255)), reinterpret_cast<HBITMAP>(SendMessageW(icon, STM_GETIMAGE, IMAGE_BITMAP, 0)));
+}
+
+// The sync app's pictures may have transparent corners (a round photo).
+// On the badge they are see-through; in a panel's picture control they are
+// drawn over the panel's own white, with no grey box around them.
+TEST_F(Panels, DrawsAnAvatarsTransparentCornersInThePanelsWhite) {
+  const std::wstring avatar = AvatarFolderForTest() + L"\\round";
+  CreateDirectoryW(AvatarFolderForTest().c_str(), nullptr);
+  ASSERT_TRUE(WritePng(avatar, 40, 40, [](int x, int y) {
+    const int dx = 2 * x + 1 - 40;
+    const int dy = 2 * y + 1 - 40;
+    return dx * dx + dy * dy <= 40 * 40 ? 0xFFC81E1Eu : 0x00000000u;  // a red disc on nothing
+  }));
+  const UniqueOverlay panel(
+      CreateDownloadPanel(OfficeWindow(), badge, L"u1round", L"Ann Lee", L"2026-03-01 10:15", false, false));
+  DeleteFileW(avatar.c_str());
+  ASSERT_TRUE(panel);
+  ShowWindow(panel.get(), SW_SHOWNA);
+  PumpMessagesFor(400);
+  POINT corner{20, 55};  // the avatar's place in the panel's client area
+  ClientToScreen(panel.get(), &corner);
+  const Pixels picture = CaptureScreen({corner.x, corner.y, corner.x + 40, corner.y + 40});
+  EXPECT_NE(L"", SaveArtefact(picture, L"panel-avatar-corners"));
+  const Rgb white{255, 255, 255};
+  EXPECT_EQ(white, picture.At(0, 0));
+  EXPECT_EQ(white, picture.At(39, 0));
+  EXPECT_EQ(white, picture.At(0, 39));
+  EXPECT_EQ(white, picture.At(39, 39));
+  EXPECT_EQ((Rgb{200, 30, 30}), picture.At(20, 20));
 }
 
 TEST_F(Panels, ShowsTheSystemWarningIconInTheConflictPanel) {

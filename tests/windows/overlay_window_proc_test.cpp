@@ -140,6 +140,80 @@ TEST_F(OverlayWindowProc, APressCapturesTheMouseAndTheReleaseLetsItGo) {
   EXPECT_EQ(GetCapture(), nullptr);
 }
 
+// A drag starts only once the cursor leaves the system's drag rectangle
+// around the press point; a hand that shakes by a pixel still clicks.
+TEST_F(OverlayWindowProc, AMoveInsideTheDragRectangleLeavesTheBadgeAndTheReleaseIsAClick) {
+  const int cx = GetSystemMetrics(SM_CXDRAG);
+  const int cy = GetSystemMetrics(SM_CYDRAG);
+  ASSERT_GT(cx, 0);
+  ASSERT_GT(cy, 0);
+  Press(badge_, 35, 35);
+  MoveTo(badge_, 36, 35);
+  MoveTo(badge_, 35 + cx, 35 - cy);
+  EXPECT_TRUE(RectIs(WindowRectOf(badge_), 800, 650, 870, 720));
+  EXPECT_EQ(host_.Record(path_).dragged, 0u);
+  Release(badge_, 35 + cx, 35 - cy);
+  EXPECT_FALSE(IsWindowVisible(panel_));  // the click closed the open panel
+  EXPECT_EQ(host_.Record(path_).buttonDown, 0u);
+  EXPECT_EQ(GetCapture(), nullptr);
+}
+
+TEST_F(OverlayWindowProc, AMoveOnePixelBeyondTheDragRectangleStartsTheDrag) {
+  const int cx = GetSystemMetrics(SM_CXDRAG);
+  Press(badge_, 35, 35);
+  MoveTo(badge_, 35 + cx + 1, 35);
+  EXPECT_TRUE(RectIs(WindowRectOf(badge_), 801 + cx, 650, 871 + cx, 720));
+  EXPECT_EQ(host_.Record(path_).dragged, 1u);
+  Release(badge_, 35, 35);
+  EXPECT_TRUE(IsWindowVisible(panel_));  // a drag, not a click
+}
+
+TEST_F(OverlayWindowProc, ALostCaptureEndsTheDrag) {
+  UniqueWindowForTest dialog(CreatePlainWindow());
+  Press(badge_, 35, 35);
+  MoveTo(badge_, 10, 20);
+  ASSERT_TRUE(RectIs(WindowRectOf(badge_), 775, 635, 845, 705));
+  // An Office dialog takes the mouse; the badge hears of it and is let go.
+  SetCapture(dialog.get());
+  FileStatusRecord record = host_.Record(path_);
+  EXPECT_EQ(record.buttonDown, 0u);
+  EXPECT_EQ(record.dragged, 0u);
+  // Later the cursor passes over the badge, even with the button held:
+  // it stays where it is.
+  MoveTo(badge_, 60, 60);
+  EXPECT_TRUE(RectIs(WindowRectOf(badge_), 775, 635, 845, 705));
+  ReleaseCapture();
+}
+
+TEST_F(OverlayWindowProc, AMoveWithoutTheLeftButtonEndsTheDrag) {
+  Press(badge_, 35, 35);
+  MoveTo(badge_, 10, 20);
+  ASSERT_TRUE(RectIs(WindowRectOf(badge_), 775, 635, 845, 705));
+  // The button went up where the badge did not hear it.
+  SendMessageW(badge_, WM_MOUSEMOVE, 0, At(60, 60));
+  EXPECT_TRUE(RectIs(WindowRectOf(badge_), 775, 635, 845, 705));
+  const FileStatusRecord record = host_.Record(path_);
+  EXPECT_EQ(record.buttonDown, 0u);
+  EXPECT_EQ(record.dragged, 0u);
+  EXPECT_NE(GetCapture(), badge_);
+  MoveTo(badge_, 60, 60);
+  EXPECT_TRUE(RectIs(WindowRectOf(badge_), 775, 635, 845, 705));
+}
+
+TEST_F(OverlayWindowProc, ABadgeRebuiltInTheMiddleOfADragDoesNotFollowTheCursor) {
+  Press(badge_, 35, 35);
+  MoveTo(badge_, 10, 20);
+  // The tick takes the badge down mid-drag and builds it again.
+  DestroyWindow(badge_);
+  Tick();
+  const HWND rebuilt = BadgeOf(path_);
+  ASSERT_NE(rebuilt, nullptr);
+  const RECT before = WindowRectOf(rebuilt);
+  EXPECT_EQ(host_.Record(path_).buttonDown, 0u);
+  MoveTo(rebuilt, 10, 10);
+  EXPECT_TRUE(RectIs(WindowRectOf(rebuilt), before.left, before.top, before.right, before.bottom));
+}
+
 TEST_F(OverlayWindowProc, TheCursorIsTheHandOverTheClientAreaAndTheArrowElsewhere) {
   EXPECT_EQ(SendMessageW(badge_, WM_SETCURSOR, reinterpret_cast<WPARAM>(badge_), MAKELPARAM(HTCLIENT, WM_MOUSEMOVE)),
             TRUE);

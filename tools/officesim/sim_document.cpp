@@ -148,6 +148,10 @@ HRESULT SimDocument::CloseMember(const std::vector<VARIANT*>& args) {
   // missing (prompt); PowerPoint closes without asking.
   // Word's and Excel's Close take three optional arguments, PowerPoint's none.
   if (args.size() > (host_ == SimHost::PowerPoint ? 0u : 3u)) return DISP_E_BADPARAMCOUNT;
+  if (refuseClose_) {
+    std::printf("officesim: closing %s refused\n", ToUtf8(name_).c_str());
+    return DISP_E_EXCEPTION;
+  }
   SimApplication::SaveChoice choice = SimApplication::SaveChoice::Prompt;
   if (host_ == SimHost::PowerPoint) {
     choice = SimApplication::SaveChoice::Discard;

@@ -32,6 +32,10 @@ class SimDocument : public SimDispatch {
   // may not write to): SaveCopyAs fails as Office's does, with
   // DISP_E_EXCEPTION, and writes nothing.
   void SetFailingSaveCopies(bool failing) { failSaveCopies_ = failing; }
+  // Plays a host that will not close the document now (Excel while a cell
+  // is being edited, Word while one of its own modal dialogs is up): Close
+  // fails with DISP_E_EXCEPTION, fires no event and leaves it open.
+  void SetRefusingClose(bool refusing) { refuseClose_ = refusing; }
   IDispatch* window() const { return window_; }
   // Word: the handle its document window reports (the main window until set).
   void SetWindowHandle(HWND window) { windowHandle_ = window; }
@@ -76,6 +80,7 @@ class SimDocument : public SimDispatch {
   bool readOnly_ = false;
   bool failSaves_ = false;
   bool failSaveCopies_ = false;
+  bool refuseClose_ = false;
   int saveCount_ = 0;
   SimDispatch* window_ = nullptr;  // Word's document window
   HWND windowHandle_ = nullptr;
