@@ -5,9 +5,11 @@
 
 // Reads a PNG file into a GDI bitmap through GDI+ (from a memory stream, so
 // the file is not held open). Every transparent pixel becomes the grey
-// RGB(169, 169, 169), the colour key of the layered badge. Null on any
-// failure, with one error line naming the path and the GDI+ status. The
-// caller owns the bitmap. GDI+ must be running.
+// RGB(169, 169, 169), the colour key of the layered badge. Only a file that
+// starts with a PNG header of at most 1024 × 1024 pixels is handed to GDI+
+// (PngHeaderRefusal). Null on any failure, with one error line naming the
+// path and why: the header's fault or GDI+'s status. The caller owns the
+// bitmap. GDI+ must be running.
 HBITMAP LoadImageBitmap(std::wstring path);
 
 // The colour every transparent pixel is flattened onto, and the key that
