@@ -28,7 +28,7 @@ bool IsCommandFromOwnControl(HWND panel, int id, LPARAM lParam) {
   return true;
 }
 
-bool IsNotifyFromThisThread() { return InSendMessageEx(nullptr) == ISMEX_NOSEND; }
+bool IsSentFromThisThread() { return InSendMessageEx(nullptr) == ISMEX_NOSEND; }
 
 bool IsLinkClickFromOwnLink(HWND panel, const NMLINK& link) {
   const HWND from = link.hdr.hwndFrom;

@@ -17,7 +17,8 @@ bool IsCommandFromOwnControl(HWND panel, int id, LPARAM lParam);
 // address is one of the add-in's help addresses.
 bool IsLinkClickFromOwnLink(HWND panel, const NMLINK& link);
 
-// Whether a WM_NOTIFY was sent by a window of this thread (its lParam then
-// points into our own memory). From another thread or process the pointer
-// means nothing here, and reading it could crash Office.
-bool IsNotifyFromThisThread();
+// Whether the message being handled (WM_NOTIFY, WM_DRAWITEM) came from a
+// window of this thread, so its lParam points into our own memory. From
+// another thread or process the pointer means nothing here, and reading it
+// could crash Office.
+bool IsSentFromThisThread();

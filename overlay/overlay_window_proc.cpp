@@ -218,12 +218,17 @@ bool Handle(HWND window, UINT message, WPARAM wParam, LPARAM lParam, LRESULT& re
       return true;
     case WM_DRAWITEM:
       WriteLog(LogLevel::Debug, L"WM_DRAWITEM");
+      // Only our own buttons' drawing requests point at memory we may read.
+      if (lParam == 0 || !IsSentFromThisThread()) {
+        result = FALSE;
+        return true;
+      }
       DrawOwnerDrawnControl(*reinterpret_cast<const DRAWITEMSTRUCT*>(lParam));
       result = TRUE;
       return true;
     case WM_NOTIFY:
       // Only our own controls' notifications point at memory we may read.
-      result = lParam != 0 && IsNotifyFromThisThread() ? OnNotify(window, *reinterpret_cast<const NMHDR*>(lParam)) : 0;
+      result = lParam != 0 && IsSentFromThisThread() ? OnNotify(window, *reinterpret_cast<const NMHDR*>(lParam)) : 0;
       return true;
     case WM_COMMAND:
       if (HIWORD(wParam) != BN_CLICKED) return false;

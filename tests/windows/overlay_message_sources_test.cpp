@@ -276,4 +276,71 @@ TEST_F(PanelMessages, AClickSentFromAnotherThreadOpensNothing) {
   CloseHandle(thread);
   EXPECT_EQ(Opened(), std::vector<std::wstring>{});
 }
+
+// --- Drawing requests ---
+
+// A drawing request for an owner-drawn button, as Windows sends it.
+struct CrossThreadDraw {
+  HWND panel;
+  DRAWITEMSTRUCT* item;
+};
+DWORD WINAPI DrawFromAnotherThread(void* parameter) {
+  const auto* send = static_cast<CrossThreadDraw*>(parameter);
+  SendMessageW(send->panel, WM_DRAWITEM, send->item->CtlID, reinterpret_cast<LPARAM>(send->item));
+  return 0;
+}
+
+// A child of the panel with the hide button's id and no region yet: a
+// drawing request that is carried out gives it its rounded corners.
+class DrawingRequests : public PanelMessages {
+ protected:
+  void SetUp() override {
+    PanelMessages::SetUp();
+    probe_ = CreateWindowExW(0, L"STATIC", L"probe", WS_CHILD | WS_VISIBLE, 0, 0, 40, 20, panel_,
+                             reinterpret_cast<HMENU>(static_cast<INT_PTR>(kHide)), nullptr, nullptr);
+    ASSERT_NE(probe_, nullptr);
+    dc_ = GetDC(probe_);
+    item_.CtlType = ODT_BUTTON;
+    item_.CtlID = kHide;
+    item_.hwndItem = probe_;
+    item_.hDC = dc_;
+    item_.rcItem = RECT{0, 0, 40, 20};
+  }
+  void TearDown() override {
+    ReleaseDC(probe_, dc_);
+    PanelMessages::TearDown();
+  }
+  bool ProbeHasRegion() const {
+    HRGN region = CreateRectRgn(0, 0, 0, 0);
+    const int kind = GetWindowRgn(probe_, region);
+    DeleteObject(region);
+    return kind != ERROR;
+  }
+
+  HWND probe_ = nullptr;
+  HDC dc_ = nullptr;
+  DRAWITEMSTRUCT item_{};
+};
+
+TEST_F(DrawingRequests, ARequestFromThisThreadIsDrawn) {
+  ASSERT_FALSE(ProbeHasRegion());
+  SendMessageW(panel_, WM_DRAWITEM, kHide, reinterpret_cast<LPARAM>(&item_));
+  EXPECT_TRUE(ProbeHasRegion());
+}
+
+TEST_F(DrawingRequests, ARequestSentFromAnotherThreadIsNotRead) {
+  ASSERT_FALSE(ProbeHasRegion());
+  CrossThreadDraw send{panel_, &item_};
+  HANDLE thread = CreateThread(nullptr, 0, DrawFromAnotherThread, &send, 0, nullptr);
+  ASSERT_NE(thread, nullptr);
+  while (MsgWaitForMultipleObjects(1, &thread, FALSE, 5000, QS_ALLINPUT) == WAIT_OBJECT_0 + 1) PumpMessages();
+  EXPECT_EQ(WaitForSingleObject(thread, 0), WAIT_OBJECT_0);
+  CloseHandle(thread);
+  EXPECT_FALSE(ProbeHasRegion());
+}
+
+TEST_F(DrawingRequests, ARequestWithoutItsRecordIsNotRead) {
+  EXPECT_EQ(SendMessageW(panel_, WM_DRAWITEM, kHide, 0), FALSE);
+  EXPECT_FALSE(ProbeHasRegion());
+}
 }  // namespace
