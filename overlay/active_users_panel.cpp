@@ -54,8 +54,8 @@ void AddMemberRow(std::vector<LayoutStep>& steps, int list, int top, const std::
   // The row's avatar has no failure text of its own: a row without its
   // picture is still worth showing.
   steps.push_back(InsideOf(list, AvatarStep(true, AvatarFileName(identifier), {20, top, 40, 40}, nullptr)));
-  steps.push_back(InsideOf(list, EllipsisTextStep(name, {75, top, 305, 20}, 2004, FontRole::Title,
-                                                  L"couldn't create active users live member name - ")));
+  steps.push_back(InsideOf(list, NameStep(name, {75, top, 305, 20}, 2004, FontRole::Title,
+                                          L"couldn't create active users live member name - ")));
   LayoutStep dot = InsideOf(list, WindowStep(editor ? kRedUiClass : kGreenUiClass, kStyleChild, {75, top + 22, 12, 12},
                                              0, L"couldn't create active users color status - "));
   dot.circleRegion = true;
@@ -66,6 +66,12 @@ void AddMemberRow(std::vector<LayoutStep>& steps, int list, int top, const std::
                                           FontRole::Body, L"couldn't create active users live member status - ")));
 }
 }  // namespace
+
+std::wstring MoreMembersText(std::size_t more) {
+  std::wstring digits = std::to_wstring(more);
+  for (std::size_t at = digits.size(); at > 3; at -= 3) digits.insert(at - 3, 1, L',');
+  return L"and " + digits + L" more";
+}
 
 PanelLayout ActiveUsersPanelLayout(const std::wstring& lastModifiedByQuid, const std::wstring& lastModifiedBy,
                                    const std::wstring& lastModifiedTime, const MemberNames& editors,
@@ -98,18 +104,29 @@ PanelLayout ActiveUsersPanelLayout(const std::wstring& lastModifiedByQuid, const
                              scrolling ? kStyleVerticalScrollArea : kStyleChild, {0, listTop, 400, kListHeight}, 5001,
                              L"couldn't create active users scroll window - "));
   int top = 15;
+  std::size_t shown = 0;
   for (const auto& editor : editors) {
+    if (shown == kMaxShownMembers) break;
     AddMemberRow(steps, list, top, editor.first, editor.second, true);
     top += kRowPitch;
+    ++shown;
   }
   for (const auto& viewer : viewers) {
+    if (shown == kMaxShownMembers) break;
     AddMemberRow(steps, list, top, viewer.first, viewer.second, false);
     top += kRowPitch;
+    ++shown;
   }
-
   // The rows' height (the last status line's top + 20), with 5 pixels more
   // before a last-modified section.
-  const int content = kRowPitch * static_cast<int>(members) + (section ? 5 : 0);
+  int content = kRowPitch * static_cast<int>(shown) + (section ? 5 : 0);
+  if (shown < members) {
+    // Those not shown are counted on one line where the next row would
+    // start.
+    steps.push_back(InsideOf(list, TextStep(MoreMembersText(members - shown), {20, top, 360, 20}, 2004,
+                                            FontRole::Body, L"couldn't create active users more members - ")));
+    content = top + 20 + (section ? 5 : 0);
+  }
   int listHeight = kListHeight;
   if (content <= kListHeight) {
     listHeight = content;
@@ -124,9 +141,9 @@ PanelLayout ActiveUsersPanelLayout(const std::wstring& lastModifiedByQuid, const
                              L"couldn't create active users last modified by header - "));
     steps.push_back(AvatarStep(true, AvatarFileName(lastModifiedByQuid), {20, s + 65, 40, 40},
                                L"couldn't create active users last modified by avatar - "));
-    steps.push_back(EllipsisTextStep(lastModifiedBy, {75, s + 65, 305, 20}, 0, FontRole::Title,
+    steps.push_back(NameStep(lastModifiedBy, {75, s + 65, 305, 20}, 0, FontRole::Title,
                                      L"couldn't create active users lastModifiedBy name - "));
-    steps.push_back(TextStep(L"Modified on " + lastModifiedTime, {75, s + 85, 305, 20}, 1004, FontRole::Body,
+    steps.push_back(ModifiedOnStep(lastModifiedTime, {75, s + 85, 305, 20}, 1004, FontRole::Body,
                              L"couldn't create active users lastModifiedTime - "));
   }
   const int r = section ? s + 115 : s + 10;

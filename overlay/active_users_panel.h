@@ -1,4 +1,5 @@
 #pragma once
+#include <cstddef>
 #include <map>
 #include <string>
 
@@ -6,6 +7,16 @@
 
 // Identifier → display name, in ascending identifier order.
 using MemberNames = std::map<std::wstring, std::wstring>;
+
+// However many members the answer names, the list shows this many rows
+// (editors first, then viewers, each in the list's order) and one line
+// saying how many more there are, so the windows, GDI objects and time a
+// panel takes stay bounded.
+inline constexpr std::size_t kMaxShownMembers = 50;
+
+// The line below the last shown row: "and 4,950 more" (thousands grouped
+// with commas).
+std::wstring MoreMembersText(std::size_t more);
 
 // Who else has the file open: a title and advice by the numbers of editors
 // (E) and viewers (V), "LIVE MEMBERS ( n )", one row per member (editors

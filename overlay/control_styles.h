@@ -14,6 +14,9 @@ inline constexpr wchar_t kProgressBarClass[] = L"msctls_progress32";
 inline constexpr std::uint32_t kStyleChild = 0x50000000;
 // Left-aligned, word-wrapped static text.
 inline constexpr std::uint32_t kStyleText = 0x50000000;
+// The same with SS_NOPREFIX, for texts from the sync app's answer: an "&"
+// in a name is shown, not taken for an accelerator's underline.
+inline constexpr std::uint32_t kStylePlainText = 0x50000080;
 // SS_OWNERDRAW: painted by the overlay window procedure.
 inline constexpr std::uint32_t kStyleOwnerDrawnText = 0x5000000D;
 // SS_BITMAP | SS_REALSIZECONTROL: the bitmap goes in with STM_SETIMAGE.
@@ -22,6 +25,8 @@ inline constexpr std::uint32_t kStyleImage = 0x5000004E;
 inline constexpr std::uint32_t kStyleIcon = 0x50000003;
 // SS_ENDELLIPSIS: a long name ends in "..." within its field.
 inline constexpr std::uint32_t kStyleEllipsisText = 0x50004000;
+// SS_ENDELLIPSIS | SS_NOPREFIX: a person's name from the answer.
+inline constexpr std::uint32_t kStyleEllipsisPlainText = 0x50004080;
 // BS_OWNERDRAW: rounded and painted by the overlay window procedure.
 inline constexpr std::uint32_t kStyleButton = 0x5000000B;
 // The same with WS_BORDER, for the second button of a confirmation.

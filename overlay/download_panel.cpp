@@ -45,9 +45,9 @@ PanelLayout DownloadPanelLayout(const std::wstring& lastModifiedByQuid, const st
     // Without an identifier there is no file to try: the default avatar.
     steps.push_back(AvatarStep(!lastModifiedByQuid.empty(), AvatarFileName(lastModifiedByQuid), {20, 55, 40, 40},
                                L"couldn't create last modified by download avatar - "));
-    steps.push_back(EllipsisTextStep(lastModifiedBy, {70, 55, w - 90, 25}, 0, FontRole::Title,
+    steps.push_back(NameStep(lastModifiedBy, {70, 55, w - 90, 25}, 0, FontRole::Title,
                                      L"couldn't create download lastModifiedBy - "));
-    steps.push_back(TextStep(L"Modified on " + lastModifiedTime, {70, 80, w - 90, 25}, 1004, FontRole::Body,
+    steps.push_back(ModifiedOnStep(lastModifiedTime, {70, 80, w - 90, 25}, 1004, FontRole::Body,
                              L"couldn't create download description - "));
   } else {
     steps.push_back(TextStep(L"Retrieving more details...", {checkBox ? x : x + 10, 45, 200, 25}, 0,

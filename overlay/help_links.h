@@ -12,3 +12,7 @@ std::wstring CollaborationWidgetLinkText();
 // The SysLink text of the read-only error panel: one anchor, "Learn more",
 // to the article about team folder roles and permissions.
 std::wstring RolesAndPermissionsLinkText();
+
+// True only for the address of one of the articles above, exactly as the
+// links carry it: the only addresses a link click may open.
+bool IsHelpLinkAddress(const std::wstring& address);

@@ -16,6 +16,7 @@ using std::min;
 #include "common/unique_resource.h"
 #include "log/exception_barrier.h"
 #include "log/write_log.h"
+#include "overlay/png_header.h"
 
 namespace {
 // The whole file, or nothing: a missing file then fails in GDI+ like a
@@ -38,6 +39,14 @@ std::vector<BYTE> ReadWholeFile(const std::wstring& path) {
 HBITMAP LoadImageBitmap(std::wstring path, COLORREF background) {
   return Guarded(L"loading image", static_cast<HBITMAP>(nullptr), [&]() -> HBITMAP {
     const std::vector<BYTE> bytes = ReadWholeFile(path);
+    // Only a small PNG reaches the decoder. A file that could not be read
+    // at all goes on to fail in GDI+ as an empty stream, decoding nothing.
+    if (!bytes.empty()) {
+      if (const wchar_t* refusal = PngHeaderRefusal(bytes.data(), bytes.size())) {
+        WriteLog(LogLevel::Error, L"couldn't load bitmap (" + path + L") - " + refusal);
+        return nullptr;
+      }
+    }
     ComPtr<IStream> stream =
         ComPtr<IStream>::Attach(SHCreateMemStream(bytes.empty() ? nullptr : bytes.data(), static_cast<UINT>(bytes.size())));
     Gdiplus::Bitmap bitmap(stream.get(), FALSE);  // embedded colour management off

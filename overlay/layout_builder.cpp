@@ -11,6 +11,7 @@
 #include "log/exception_barrier.h"
 #include "log/log_last_error.h"
 #include "log/write_log.h"
+#include "overlay/avatar_loading.h"
 #include "overlay/control_styles.h"
 #include "overlay/image_file_names.h"
 #include "overlay/image_loading.h"
@@ -57,7 +58,7 @@ StepImage ImageOf(const LayoutStep& step, HBITMAP driveBitmap) {
     case ImageRole::Avatar: {
       if (step.tryUserAvatar) {
         // Loaded afresh for every panel: the sync app may have a newer one.
-        HBITMAP own = LoadImageBitmap(AvatarFolder() + L"\\" + step.avatarFile, step.backdrop);
+        HBITMAP own = LoadAvatarBitmap(step.avatarFile, step.backdrop);
         if (own != nullptr) return {own, true};
       }
       return {DefaultAvatar(step.backdrop), false};

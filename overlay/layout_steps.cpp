@@ -3,6 +3,7 @@
 #include <utility>
 
 #include "overlay/control_styles.h"
+#include "overlay/shown_text.h"
 #include "overlay/window_class_names.h"
 
 namespace {
@@ -29,6 +30,16 @@ LayoutStep TextStep(std::wstring text, Box box, int id, FontRole font, const wch
 
 LayoutStep EllipsisTextStep(std::wstring text, Box box, int id, FontRole font, const wchar_t* failureText) {
   return Make(kStaticClass, kStyleEllipsisText, std::move(text), box, id, font, failureText);
+}
+
+LayoutStep NameStep(const std::wstring& name, Box box, int id, FontRole font, const wchar_t* failureText) {
+  return Make(kStaticClass, kStyleEllipsisPlainText, CleanShownText(name, kShownNameMaxLength), box, id, font,
+              failureText);
+}
+
+LayoutStep ModifiedOnStep(const std::wstring& time, Box box, int id, FontRole font, const wchar_t* failureText) {
+  return Make(kStaticClass, kStylePlainText, L"Modified on " + CleanShownText(time, kShownTimeMaxLength), box, id,
+              font, failureText);
 }
 
 LayoutStep OwnerDrawnTextStep(std::wstring text, Box box, int id, FontRole font, const wchar_t* failureText) {

@@ -19,6 +19,12 @@ struct Box {
 LayoutStep TextStep(std::wstring text, Box box, int id, FontRole font, const wchar_t* failureText);
 // "STATIC" that ends a long text with an ellipsis.
 LayoutStep EllipsisTextStep(std::wstring text, Box box, int id, FontRole font, const wchar_t* failureText);
+// A person's name from the sync app's answer: cleaned and capped
+// (CleanShownText, kShownNameMaxLength), ellipsis, SS_NOPREFIX.
+LayoutStep NameStep(const std::wstring& name, Box box, int id, FontRole font, const wchar_t* failureText);
+// "Modified on " and a time from the answer, cleaned and capped
+// (kShownTimeMaxLength), word-wrapped, SS_NOPREFIX.
+LayoutStep ModifiedOnStep(const std::wstring& time, Box box, int id, FontRole font, const wchar_t* failureText);
 // "STATIC" painted by the overlay window procedure.
 LayoutStep OwnerDrawnTextStep(std::wstring text, Box box, int id, FontRole font, const wchar_t* failureText);
 // "STATIC" bitmap (error icon, drive picture).

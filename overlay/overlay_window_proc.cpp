@@ -1,7 +1,6 @@
 #include "overlay/overlay_window_proc.h"
 
 #include <commctrl.h>
-#include <shellapi.h>
 #include <windowsx.h>
 
 #include <string>
@@ -11,6 +10,8 @@
 #include "log/log_last_error.h"
 #include "log/write_log.h"
 #include "overlay/control_colours.h"
+#include "overlay/link_opener.h"
+#include "overlay/message_sources.h"
 #include "overlay/overlay_fonts.h"
 #include "overlay/overlay_geometry.h"
 #include "overlay/panel_bitmaps.h"
@@ -65,8 +66,8 @@ LRESULT OnSetCursor(LPARAM lParam) {
 LRESULT OnNotify(HWND window, const NMHDR& header) {
   if (header.code != NM_CLICK && header.code != NM_RETURN) return 0;
   const auto& link = reinterpret_cast<const NMLINK&>(header);
-  if (link.item.iLink != 0) return 0;
-  ShellExecuteW(nullptr, L"open", link.item.szUrl, nullptr, nullptr, SW_SHOW);
+  if (!IsLinkClickFromOwnLink(window, link)) return 0;
+  OpenHelpLink(link.item.szUrl);
   if (const std::optional<Owner> owner = OwnerOf(window, Role::Panel)) {
     GiveActivationBack(owner->record);
     WriteLog(LogLevel::Debug, L"WM_NOTIFY suboverlay wnd is not active now");
@@ -252,15 +253,21 @@ bool Handle(HWND window, UINT message, WPARAM wParam, LPARAM lParam, LRESULT& re
       return true;
     case WM_DRAWITEM:
       WriteLog(LogLevel::Debug, L"WM_DRAWITEM");
+      // Only our own buttons' drawing requests point at memory we may read.
+      if (lParam == 0 || !IsSentFromThisThread()) {
+        result = FALSE;
+        return true;
+      }
       DrawOwnerDrawnControl(*reinterpret_cast<const DRAWITEMSTRUCT*>(lParam));
       result = TRUE;
       return true;
     case WM_NOTIFY:
-      result = OnNotify(window, *reinterpret_cast<const NMHDR*>(lParam));
+      // Only our own controls' notifications point at memory we may read.
+      result = lParam != 0 && IsSentFromThisThread() ? OnNotify(window, *reinterpret_cast<const NMHDR*>(lParam)) : 0;
       return true;
     case WM_COMMAND:
       if (HIWORD(wParam) != BN_CLICKED) return false;
-      HandlePanelCommand(window, LOWORD(wParam));
+      if (IsCommandFromOwnControl(window, LOWORD(wParam), lParam)) HandlePanelCommand(window, LOWORD(wParam));
       result = 0;
       return true;
     case WM_CTLCOLORSTATIC:

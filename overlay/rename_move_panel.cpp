@@ -2,6 +2,7 @@
 
 #include "overlay/control_styles.h"
 #include "overlay/layout_steps.h"
+#include "overlay/shown_text.h"
 #include "overlay/window_class_names.h"
 
 PanelLayout RenameMovePanelLayout(bool renamed, bool closeFirst, const std::wstring& previous,
@@ -28,11 +29,13 @@ PanelLayout RenameMovePanelLayout(bool renamed, bool closeFirst, const std::wstr
                            L"couldn't create rename/move FROM label - "));
   // The grey box keeps the system font and the blue one gets the body font;
   // both are left exactly so.
-  steps.push_back(WindowStep(kLightGreyHorScrollUiClass, kStyleHorizontalScrollArea, previous, {20, 120, 360, 60}, 5001,
+  steps.push_back(WindowStep(kLightGreyHorScrollUiClass, kStyleHorizontalScrollArea,
+                             CleanShownText(previous, kShownPathMaxLength), {20, 120, 360, 60}, 5001,
                              FontRole::None, L"couldn't create rename/move FROM scroll window - "));
   steps.push_back(TextStep(renamed ? L"New file name" : L"To", {20, 200, 360, 25}, 0, FontRole::OverlayTitle,
                            L"couldn't create rename/move TO label - "));
-  steps.push_back(WindowStep(kLightBlueHorScrollUiClass, kStyleHorizontalScrollArea, next, {20, 225, 360, 60}, 5002,
+  steps.push_back(WindowStep(kLightBlueHorScrollUiClass, kStyleHorizontalScrollArea,
+                             CleanShownText(next, kShownPathMaxLength), {20, 225, 360, 60}, 5002,
                              FontRole::Body, L"couldn't create rename/move TO name/path - "));
   if (button) {
     steps.push_back(ButtonStep(L"Reload", {20, 305, 120, 40}, 3010, L"couldn't create rename/move button - "));

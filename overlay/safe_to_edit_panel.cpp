@@ -28,9 +28,9 @@ PanelLayout SafeToEditPanelLayout(const std::wstring& lastModifiedByQuid, const 
                              L"couldn't create safe to edit last modified by header - "));
     steps.push_back(AvatarStep(true, AvatarFileName(lastModifiedByQuid), {20, 145, 40, 40},
                                L"couldn't create safe to edit last modified by avatar - "));
-    steps.push_back(EllipsisTextStep(lastModifiedBy, {75, 145, 305, 20}, 0, FontRole::Title,
+    steps.push_back(NameStep(lastModifiedBy, {75, 145, 305, 20}, 0, FontRole::Title,
                                      L"couldn't create safe to edit lastModifiedBy name - "));
-    steps.push_back(TextStep(L"Modified on " + lastModifiedTime, {75, 165, 305, 20}, 1004, FontRole::Body,
+    steps.push_back(ModifiedOnStep(lastModifiedTime, {75, 165, 305, 20}, 1004, FontRole::Body,
                              L"couldn't create safe to edit lastModifiedTime - "));
   }
   // Without the section the first rule is this one, at the same place.

@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <iterator>
 #include <string>
 #include <vector>
 
@@ -35,8 +36,8 @@ std::vector<LayoutStep> Row(int t, const std::wstring& avatarFile, const std::ws
   dot.setRegionFailureText = L"couldn't set active users color status rgn to window - ";
   return {
       InsideOf(kList, AvatarStep(true, avatarFile, {20, t, 40, 40}, nullptr)),
-      InsideOf(kList, EllipsisTextStep(name, {75, t, 305, 20}, 2004, FontRole::Title,
-                                       L"couldn't create active users live member name - ")),
+      InsideOf(kList, NameStep(name, {75, t, 305, 20}, 2004, FontRole::Title,
+                               L"couldn't create active users live member name - ")),
       dot,
       InsideOf(kList, TextStep(editor ? L"Editing now" : L"Viewing now", {95, t + 20, 305, 20}, 2004, FontRole::Body,
                                L"couldn't create active users live member status - ")),
@@ -90,10 +91,10 @@ TEST(ActiveUsersPanel, ListsOneEditorInRedThenThreeViewersInGreenWithTheSection)
              TextStep(L"LAST MODIFIED BY", {20, 405, 360, 25}, 1004, FontRole::Section,
                       L"couldn't create active users last modified by header - "),
              AvatarStep(true, L"ann42", {20, 440, 40, 40}, L"couldn't create active users last modified by avatar - "),
-             EllipsisTextStep(L"Ann Lee", {75, 440, 305, 20}, 0, FontRole::Title,
-                              L"couldn't create active users lastModifiedBy name - "),
-             TextStep(L"Modified on 2026-03-01 10:15", {75, 460, 305, 20}, 1004, FontRole::Body,
-                      L"couldn't create active users lastModifiedTime - "),
+             NameStep(L"Ann Lee", {75, 440, 305, 20}, 0, FontRole::Title,
+                      L"couldn't create active users lastModifiedBy name - "),
+             ModifiedOnStep(L"2026-03-01 10:15", {75, 460, 305, 20}, 1004, FontRole::Body,
+                            L"couldn't create active users lastModifiedTime - "),
              TextStep(kHyphens111, {0, 490, 400, 25}, 1005, FontRole::None, L"couldn't create active users line3 - "),
              LinkStep(kLearnMore, {20, 515, 80, 20}, L"couldn't create active users learn more - "),
              ButtonStep(L"Hide", {120, 515, 40, 20}, 3014, L"couldn't create active users hide button - "),
@@ -268,4 +269,101 @@ TEST(ActiveUsersPanel, OpensBelowABadgeNearTheTopWithItsFinalHeight) {
   const Rect badge{1200, 700, 1270, 770};
   EXPECT_EQ(PlaceSubOverlay(office, badge, layout.width, layout.createHeight), (Point{870, 300}));
   EXPECT_EQ(PlaceSubOverlay(office, badge, layout.width, layout.height), (Point{870, 770}));
+}
+
+// --- What an answer with very many members may cost ---
+
+MemberNames Editors(int count) {
+  MemberNames editors;
+  for (int i = 0; i < count; ++i) editors[L"e-" + std::to_wstring(1000 + i)] = L"Editor " + std::to_wstring(i);
+  return editors;
+}
+
+// The rows of member rows in the layout: the steps inside the list.
+size_t RowsInList(const PanelLayout& layout) {
+  size_t inside = 0;
+  for (const LayoutStep& step : layout.steps) inside += step.parent == kList ? 1 : 0;
+  return inside;
+}
+
+TEST(ActiveUsersPanel, ShowsAtMostFiftyMembers) { EXPECT_EQ(kMaxShownMembers, 50u); }
+
+TEST(ActiveUsersPanel, ShowsFiftyMembersWithoutAMoreLine) {
+  const PanelLayout layout = ActiveUsersPanelLayout(L"", L"", L"", {}, Viewers(50));
+  EXPECT_EQ(RowsInList(layout), 50u * 4);
+  EXPECT_EQ(layout.steps[3].text, L"LIVE MEMBERS ( 50 )");
+}
+
+TEST(ActiveUsersPanel, ShowsTheFirstFiftyOfFiveThousandThenHowManyMore) {
+  const PanelLayout layout = ActiveUsersPanelLayout(L"", L"", L"", {}, Viewers(5000));
+  // The heading still counts everyone.
+  EXPECT_EQ(layout.steps[3].text, L"LIVE MEMBERS ( 5000 )");
+  EXPECT_EQ(RowsInList(layout), 50u * 4 + 1);
+  const LayoutStep& more = layout.steps[kList + 50 * 4 + 1];
+  EXPECT_EQ(more, InsideOf(kList, TextStep(L"and 4,950 more", {20, 15 + 55 * 50, 360, 20}, 2004, FontRole::Body,
+                                           L"couldn't create active users more members - ")));
+  // The fiftieth row is the fiftieth viewer in the list's order.
+  const MemberNames viewers = Viewers(5000);
+  auto fiftieth = viewers.begin();
+  std::advance(fiftieth, 49);
+  EXPECT_EQ(layout.steps[kList + 49 * 4 + 2].text, fiftieth->second);
+  // The list scrolls, held at 460 pixels, and the panel ends below it as
+  // with nine members.
+  EXPECT_EQ(layout.steps[kList].className, kVerWhiteScrollUiClass);
+  EXPECT_EQ(FindResize(layout), nullptr);
+  EXPECT_EQ(layout.height, 125 + 460 + 10 + 60);
+}
+
+TEST(ActiveUsersPanel, FiftyOneMembersAndFiveThousandGiveLayoutsOfTheSameSize) {
+  const PanelLayout few = ActiveUsersPanelLayout(L"u-ann42", L"Ann", L"now", Editors(3), Viewers(48));
+  const PanelLayout many = ActiveUsersPanelLayout(L"u-ann42", L"Ann", L"now", Editors(3), Viewers(4997));
+  EXPECT_EQ(few.steps.size(), many.steps.size());
+  EXPECT_EQ(few.height, many.height);
+  EXPECT_EQ(few.steps[kList + 50 * 4 + 1].text, L"and 1 more");
+  EXPECT_EQ(many.steps[kList + 50 * 4 + 1].text, L"and 4,950 more");
+}
+
+TEST(ActiveUsersPanel, ShowsEditorsFirstWhenTheyAloneFillTheList) {
+  const PanelLayout layout = ActiveUsersPanelLayout(L"", L"", L"", Editors(60), Viewers(10));
+  EXPECT_EQ(layout.steps[0].text, L"Multiple users are editing this file");
+  EXPECT_EQ(layout.steps[3].text, L"LIVE MEMBERS ( 70 )");
+  for (int row = 0; row < 50; ++row) {
+    EXPECT_EQ(layout.steps[kList + row * 4 + 4].text, L"Editing now") << row;
+  }
+  EXPECT_EQ(layout.steps[kList + 50 * 4 + 1].text, L"and 20 more");
+}
+
+TEST(ActiveUsersPanel, FillsTheRestOfTheFiftyWithViewersAfterTheEditors) {
+  const PanelLayout layout = ActiveUsersPanelLayout(L"", L"", L"", Editors(30), Viewers(40));
+  EXPECT_EQ(layout.steps[kList + 29 * 4 + 4].text, L"Editing now");
+  EXPECT_EQ(layout.steps[kList + 29 * 4 + 2].text, L"Editor 29");
+  EXPECT_EQ(layout.steps[kList + 30 * 4 + 4].text, L"Viewing now");
+  EXPECT_EQ(layout.steps[kList + 30 * 4 + 2].text, L"Viewer 0");
+  EXPECT_EQ(layout.steps[kList + 49 * 4 + 2].text, L"Viewer 19");
+  EXPECT_EQ(layout.steps[kList + 50 * 4 + 1].text, L"and 20 more");
+}
+
+TEST(ActiveUsersPanel, SaysHowManyMoreWithThousandsSeparated) {
+  EXPECT_EQ(MoreMembersText(1), L"and 1 more");
+  EXPECT_EQ(MoreMembersText(999), L"and 999 more");
+  EXPECT_EQ(MoreMembersText(1000), L"and 1,000 more");
+  EXPECT_EQ(MoreMembersText(4950), L"and 4,950 more");
+  EXPECT_EQ(MoreMembersText(1234567), L"and 1,234,567 more");
+}
+
+// --- Names and times from the answer ---
+
+TEST(ActiveUsersPanel, ShowsNamesCleanedAndCappedWithoutAccelerators) {
+  const std::wstring hostile = L"Ann\r\n\u202E&Co" + std::wstring(1024 * 1024, L'x');
+  const PanelLayout layout =
+      ActiveUsersPanelLayout(L"u-ann42", L"Bob\r\nStone", L"10:15\u202E\n", {}, {{L"v-ann", hostile}});
+  const LayoutStep& member = layout.steps[kList + 2];
+  EXPECT_EQ(member.style, 0x50004080u);
+  EXPECT_EQ(member.text, L"Ann&Co" + std::wstring(249, L'x') + L"\u2026");
+  const LayoutStep& name = layout.steps[kList + 4 + 1 + 4];
+  EXPECT_EQ(name.text, L"BobStone");
+  EXPECT_EQ(name.style, 0x50004080u);
+  const LayoutStep& time = layout.steps[kList + 4 + 1 + 5];
+  EXPECT_EQ(time.text, L"Modified on 10:15");
+  EXPECT_EQ(time.style, 0x50000080u);
 }

@@ -36,10 +36,9 @@ LayoutStep Waiting(int x) {
 std::vector<LayoutStep> Details(int width) {
   return {
       AvatarStep(true, L"ann42", {20, 55, 40, 40}, L"couldn't create last modified by download avatar - "),
-      EllipsisTextStep(L"Ann Lee", {70, 55, width - 90, 25}, 0, FontRole::Title,
-                       L"couldn't create download lastModifiedBy - "),
-      TextStep(L"Modified on 2026-03-01 10:15", {70, 80, width - 90, 25}, 1004, FontRole::Body,
-               L"couldn't create download description - "),
+      NameStep(L"Ann Lee", {70, 55, width - 90, 25}, 0, FontRole::Title, L"couldn't create download lastModifiedBy - "),
+      ModifiedOnStep(L"2026-03-01 10:15", {70, 80, width - 90, 25}, 1004, FontRole::Body,
+                     L"couldn't create download description - "),
   };
 }
 LayoutStep CheckBox(int y, int width) {
@@ -150,4 +149,14 @@ TEST(DownloadPanel, IsAWhiteBorderedPopupWithItsOwnFailureTexts) {
   EXPECT_EQ(std::wstring(layout.windowFailureText), L"couldn't create download sub overlay UI - ");
   EXPECT_EQ(layout.finalResizeFailureText, nullptr);
   EXPECT_EQ(std::wstring(layout.exceptionActivity), L"creating download sub overlay UI");
+}
+
+TEST(DownloadPanel, ShowsTheLastModifierCleanedAndCappedWithoutAccelerators) {
+  const PanelLayout layout =
+      DownloadPanelLayout(L"u-ann42", L"&Ann\n" + std::wstring(1000, L'n'), L"10:15" + std::wstring(100, L'9'), false,
+                          false);
+  EXPECT_EQ(layout.steps[2].text, L"&Ann" + std::wstring(251, L'n') + L"\u2026");
+  EXPECT_EQ(layout.steps[2].style, 0x50004080u);
+  EXPECT_EQ(layout.steps[3].text, L"Modified on 10:15" + std::wstring(58, L'9') + L"\u2026");
+  EXPECT_EQ(layout.steps[3].style, 0x50000080u);
 }

@@ -46,6 +46,18 @@ TEST(LayoutSteps, MakeAnEllipsisTextAStaticWithEndEllipsis) {
   EXPECT_EQ(step.text, L"Ann");
 }
 
+TEST(LayoutSteps, MakeANameAnEllipsisStaticWithoutPrefixesAndCleanItsText) {
+  const LayoutStep step = NameStep(L"A&B\r\n\u202Ec", {75, 145, 305, 20}, 2004, FontRole::Title, L"couldn't n - ");
+  ExpectCreate(step, L"STATIC", 0x50004080, 75, 145, 305, 20, 2004, FontRole::Title, L"couldn't n - ");
+  EXPECT_EQ(step.text, L"A&Bc");
+}
+
+TEST(LayoutSteps, MakeATimeAPlainStaticWithoutPrefixesAfterModifiedOn) {
+  const LayoutStep step = ModifiedOnStep(L"1 & 2\t", {75, 165, 305, 20}, 1004, FontRole::Body, L"couldn't m - ");
+  ExpectCreate(step, L"STATIC", 0x50000080, 75, 165, 305, 20, 1004, FontRole::Body, L"couldn't m - ");
+  EXPECT_EQ(step.text, L"Modified on 1 & 2");
+}
+
 TEST(LayoutSteps, MakeAnOwnerDrawnTextAnOwnerDrawnStatic) {
   const LayoutStep step = OwnerDrawnTextStep(L"Q", {5, 6, 7, 8}, 2001, FontRole::OverlayTitle, L"couldn't o- ");
   ExpectCreate(step, L"STATIC", 0x5000000D, 5, 6, 7, 8, 2001, FontRole::OverlayTitle, L"couldn't o- ");

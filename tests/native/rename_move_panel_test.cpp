@@ -102,3 +102,11 @@ TEST(RenameMovePanel, IsAWhiteBorderedPopupWithItsOwnFailureTexts) {
   EXPECT_EQ(std::wstring(layout.windowFailureText), L"couldn't create rename/move sub overlay UI - ");
   EXPECT_EQ(std::wstring(layout.exceptionActivity), L"creating rename/move sub overlay UI");
 }
+
+TEST(RenameMovePanel, ShowsBothPlacesCleanedAndCappedAtOneThousandTwentyFour) {
+  const std::wstring from = L"C:\\Team\\in\u202Eexe.txt\r\n" + std::wstring(1024 * 1024, L'a');
+  const PanelLayout layout = RenameMovePanelLayout(false, false, from, L"C:\\Team\r\\New\u2066 &Co");
+  EXPECT_EQ(layout.steps[3].text, L"C:\\Team\\inexe.txt" + std::wstring(1024 - 17 - 1, L'a') + L"\u2026");
+  EXPECT_EQ(layout.steps[3].text.size(), 1024u);
+  EXPECT_EQ(layout.steps[5].text, L"C:\\Team\\New &Co");
+}

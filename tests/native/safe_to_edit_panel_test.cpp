@@ -60,9 +60,9 @@ TEST(SafeToEditPanel, WithAnIdentifierIsTwoHundredFiftyHighWithTheLastModifiedSe
           TextStep(L"LAST MODIFIED BY", {20, 115, 360, 25}, 1004, FontRole::Section,
                    L"couldn't create safe to edit last modified by header - "),
           AvatarStep(true, L"8f3a2c", {20, 145, 40, 40}, L"couldn't create safe to edit last modified by avatar - "),
-          EllipsisTextStep(L"Ann Lee", {75, 145, 305, 20}, 0, FontRole::Title,
+          NameStep(L"Ann Lee", {75, 145, 305, 20}, 0, FontRole::Title,
                            L"couldn't create safe to edit lastModifiedBy name - "),
-          TextStep(L"Modified on 2026-03-01 10:15", {75, 165, 305, 20}, 1004, FontRole::Body,
+          ModifiedOnStep(L"2026-03-01 10:15", {75, 165, 305, 20}, 1004, FontRole::Body,
                    L"couldn't create safe to edit lastModifiedTime - "),
           TextStep(kUnderscores78, {0, 185, 400, 20}, 1005, FontRole::None, L"couldn't create safe to edit line2 - "),
           LinkStep(kLearnMore, {20, 215, 80, 20}, L"couldn't create safe to edit learn more - "),
@@ -103,4 +103,12 @@ TEST(SafeToEditPanel, LogsItsOwnTextsWhenTheWindowCannotBeMade) {
   EXPECT_EQ(std::wstring(layout.windowFailureText), L"couldn't create safe to edit sub overlay UI - ");
   EXPECT_EQ(layout.finalResizeFailureText, nullptr);
   EXPECT_EQ(std::wstring(layout.exceptionActivity), L"creating safe to edit sub overlay UI");
+}
+
+TEST(SafeToEditPanel, ShowsTheLastModifierCleanedWithoutAccelerators) {
+  const PanelLayout layout = SafeToEditPanelLayout(L"u-ann42", L"Ann\r\n&Lee\u202E", L"\u2067" L"10:15\r\n");
+  EXPECT_EQ(layout.steps[5].text, L"Ann&Lee");
+  EXPECT_EQ(layout.steps[5].style, 0x50004080u);
+  EXPECT_EQ(layout.steps[6].text, L"Modified on 10:15");
+  EXPECT_EQ(layout.steps[6].style, 0x50000080u);
 }

@@ -146,14 +146,46 @@ TEST_F(OverlayImages, GivesNoBitmapAndOneLineForACorruptFile) {
   {
     UniqueFileHandle file(CreateFileW(path.c_str(), GENERIC_WRITE, 0, nullptr, CREATE_ALWAYS, 0, nullptr));
     ASSERT_TRUE(file);
-    // A PNG signature followed by nonsense: GDI+ recognises the format and
-    // then fails to read it.
-    const char bytes[] = "\x89PNG\r\n\x1a\nthis is not an image at all";
+    // A PNG header of a 40 × 40 picture followed by nonsense: the header
+    // check lets it through, GDI+ recognises the format and then fails to
+    // read it.
+    const char bytes[] =
+        "\x89PNG\r\n\x1a\n\0\0\0\x0dIHDR\0\0\0\x28\0\0\0\x28\x08\x06\0\0\0\x12\x34\x56\x78"
+        "this is not an image at all";
     DWORD written = 0;
     ASSERT_TRUE(WriteFile(file.get(), bytes, sizeof(bytes) - 1, &written, nullptr));
   }
   EXPECT_EQ(nullptr, LoadImageBitmap(path));
   ExpectOneLoadFailureLine(path);
+}
+
+// Files that never reach GDI+: the line says why instead of a GDI+ status.
+void WriteTestFile(const std::wstring& path, const std::string& bytes) {
+  UniqueFileHandle file(CreateFileW(path.c_str(), GENERIC_WRITE, 0, nullptr, CREATE_ALWAYS, 0, nullptr));
+  ASSERT_TRUE(file);
+  DWORD written = 0;
+  ASSERT_TRUE(WriteFile(file.get(), bytes.data(), static_cast<DWORD>(bytes.size()), &written, nullptr));
+}
+
+TEST_F(OverlayImages, RefusesAPngSignatureFollowedByNonsenseBeforeGdiplus) {
+  const std::wstring path = TestTempFolder() + L"\\nonsense.png";
+  WriteTestFile(path, std::string("\x89PNG\r\n\x1a\nthis is not an image at all"));
+  EXPECT_EQ(nullptr, LoadImageBitmap(path));
+  EXPECT_EQ(ErrorLines(), std::vector<std::string>{"couldn't load bitmap (" + Utf8(path) + ") - PNG header without IHDR"});
+}
+
+TEST_F(OverlayImages, RefusesAPictureLargerThanOneThousandTwentyFourBeforeGdiplus) {
+  const std::wstring path = TestTempFolder() + L"\\huge.png";
+  WriteTestFile(path, std::string("\x89PNG\r\n\x1a\n\0\0\0\x0dIHDR\0\0\x04\x01\0\0\0\x28\x08\x06\0\0\0\x12\x34\x56\x78", 33));
+  EXPECT_EQ(nullptr, LoadImageBitmap(path));
+  EXPECT_EQ(ErrorLines(), std::vector<std::string>{"couldn't load bitmap (" + Utf8(path) + ") - PNG picture too large"});
+}
+
+TEST_F(OverlayImages, RefusesABitmapFileNamedPngBeforeGdiplus) {
+  const std::wstring path = TestTempFolder() + L"\\renamed.png";
+  WriteTestFile(path, std::string("BM\x3a\0\0\0\0\0\0\0\x36\0\0\0\x28\0\0\0\x01\0\0\0\x01\0\0\0", 26));
+  EXPECT_EQ(nullptr, LoadImageBitmap(path));
+  EXPECT_EQ(ErrorLines(), std::vector<std::string>{"couldn't load bitmap (" + Utf8(path) + ") - not a PNG file"});
 }
 
 TEST_F(OverlayImages, GivesNoBitmapAndOneLineForAnEmptyFile) {

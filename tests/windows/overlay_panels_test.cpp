@@ -35,7 +35,10 @@ using UniqueOverlay = UniqueResource<OverlayWindowTraits>;
 // --- The rows of the design's tables ---
 
 constexpr DWORD kText = 0x50000000;
-constexpr DWORD kEllipsisText = 0x50004000;
+// People's names and times come from the sync app's answer: SS_NOPREFIX,
+// so an "&" in them is shown as it is.
+constexpr DWORD kEllipsisText = 0x50004080;
+constexpr DWORD kPlainText = 0x50000080;
 constexpr DWORD kImage = 0x5000004E;
 constexpr DWORD kIcon = 0x50000003;
 constexpr DWORD kButton = 0x5000000B;
@@ -65,6 +68,9 @@ ChildRow Text(const std::wstring& text, int id, int x, int y, int w, int h, Font
 }
 ChildRow Ellipsis(const std::wstring& text, int id, int x, int y, int w, int h, FontLook font, int parent = 0) {
   return {L"Static", text, id, x, y, w, h, kEllipsisText, font, parent};
+}
+ChildRow Time(const std::wstring& text, int id, int x, int y, int w, int h, FontLook font) {
+  return {L"Static", text, id, x, y, w, h, kPlainText, font, 0};
 }
 ChildRow Picture(int x, int y, int w, int h, int parent = 0) {
   return {L"Static", L"", 0, x, y, w, h, kImage, kNoFont, parent};
@@ -196,7 +202,7 @@ std::vector<ChildRow> SafeToEditWithSection() {
       Text(L"LAST MODIFIED BY", 1004, 20, 115, 360, 25, kSectionFont),
       Picture(20, 145, 40, 40),
       Ellipsis(L"Ann Lee", 0, 75, 145, 305, 20, kTitleFont),
-      Text(L"Modified on 2026-03-01 10:15", 1004, 75, 165, 305, 20, kBodyFont),
+      Time(L"Modified on 2026-03-01 10:15", 1004, 75, 165, 305, 20, kBodyFont),
       Text(kUnderscores78, 1005, 0, 185, 400, 20, kNoFont),
       Link(kCollaborationLink, 20, 215, 80, 20),
       Button(L"Hide", 3014, 120, 215, 40, 20),
@@ -261,7 +267,7 @@ std::vector<ChildRow> ActiveUsersSection(int s) {
       Text(L"LAST MODIFIED BY", 1004, 20, s + 30, 360, 25, kSectionFont),
       Picture(20, s + 65, 40, 40),
       Ellipsis(L"Ann Lee", 0, 75, s + 65, 305, 20, kTitleFont),
-      Text(L"Modified on 2026-03-01 10:15", 1004, 75, s + 85, 305, 20, kBodyFont),
+      Time(L"Modified on 2026-03-01 10:15", 1004, 75, s + 85, 305, 20, kBodyFont),
   };
 }
 
@@ -406,7 +412,7 @@ std::vector<ChildRow> DownloadDetails(int w) {
   return {
       Picture(20, 55, 40, 40),
       Ellipsis(L"Ann Lee", 0, 70, 55, w - 90, 25, kTitleFont),
-      Text(L"Modified on 2026-03-01 10:15", 1004, 70, 80, w - 90, 25, kBodyFont),
+      Time(L"Modified on 2026-03-01 10:15", 1004, 70, 80, w - 90, 25, kBodyFont),
   };
 }
 
