@@ -26,6 +26,9 @@ class FileStatusCache {
   // False after an exchange whose answer held no file object: the overlay
   // then draws nothing. Written by the update thread, read by the UI tick.
   std::atomic<bool> syncAppHasData{true};
+  // Update cycles in a row whose request the sync app took without
+  // answering in time. Written by the update thread only.
+  std::atomic<int> cyclesWithoutAnswer{0};
 
   // Stores a fresh record with the defaults (taking a reference on the
   // document) and logs it. 1, or 0 when an exception was caught.

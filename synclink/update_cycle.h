@@ -15,5 +15,6 @@ constexpr DWORD kUpdateExchangeLimitMs = 30000;
 // Signalling `bounds.stopEvent` ends the cycle wherever it is. A cycle that
 // was stopped, gave way to the UI thread or ran out of time applies
 // nothing and leaves syncAppHasData alone: only the sync app's own answer
-// or failure changes what the overlays show. How the exchange ended.
+// or failure changes what the overlays show, or a sync app that let two
+// cycles in a row run out of time. How the exchange ended.
 ExchangeEnd RunUpdateCycle(const ExchangeBounds& bounds);

@@ -42,6 +42,7 @@ class EventUpdateThread : public testing::Test {
     ImmediateUpdateEvent.reset(CreateEventW(nullptr, TRUE, FALSE, L"immediatelyUpdateEvent"));
     ASSERT_TRUE(ImmediateUpdateEvent);
     TheFileStatusCache().syncAppHasData = true;
+    TheFileStatusCache().cyclesWithoutAnswer = 0;
   }
   void TearDown() override {
     StopThread();
@@ -323,6 +324,49 @@ TEST_F(EventUpdateThread, ACycleGivesUpOnAnAnswerThatDoesNotComeWithinItsLimitAn
   EXPECT_EQ(cache.Find(kPath)->overlayUpToDate, 1u);
   EXPECT_TRUE(ContainsInOrder(LogMessages(LogFilePath()),
                               {"read msg failed. errcode=995", "no answer from sync app in time, shown state kept"}));
+}
+
+TEST_F(EventUpdateThread, ASyncAppSilentForTwoCyclesInARowIsNoLongerBelieved) {
+  // One silent cycle keeps the badges; a sync app that stays silent must not
+  // leave them saying "safe to edit" for good while others may be editing.
+  FileStatusCache& cache = TheFileStatusCache();
+  ASSERT_EQ(cache.AddFile(kPath, nullptr, 0, nullptr), 1);
+  cache.Change(kPath, [&](FileStatusRecord& r) { r.sync.is_sync_file = 1; });
+  SyncSimProcess syncApp;
+  ASSERT_TRUE(syncApp.Start(L"--never-answer"));
+
+  EXPECT_EQ(RunUpdateCycle(ExchangeBounds{300}), ExchangeEnd::TimedOut);
+  EXPECT_TRUE(cache.syncAppHasData);
+
+  EXPECT_EQ(RunUpdateCycle(ExchangeBounds{300}), ExchangeEnd::TimedOut);
+
+  EXPECT_FALSE(cache.syncAppHasData);
+  EXPECT_TRUE(ContainsInOrder(LogMessages(LogFilePath()),
+                              {"no answer from sync app in time, shown state kept",
+                               "no answer from sync app in 2 cycles in a row, shown state cleared"}));
+}
+
+TEST_F(EventUpdateThread, AnAnswerBetweenTwoSilentCyclesStartsTheCountAgain) {
+  FileStatusCache& cache = TheFileStatusCache();
+  ASSERT_EQ(cache.AddFile(kPath, nullptr, 0, nullptr), 1);
+  {
+    SyncSimProcess silent;
+    ASSERT_TRUE(silent.Start(L"--never-answer"));
+    EXPECT_EQ(RunUpdateCycle(ExchangeBounds{300}), ExchangeEnd::TimedOut);
+  }
+  {
+    SyncSimProcess healthy;
+    ASSERT_TRUE(healthy.Start(L""));
+    EXPECT_EQ(RunUpdateCycle(ExchangeBounds{5000}), ExchangeEnd::Answered);
+  }
+  cache.syncAppHasData = true;
+  SyncSimProcess silentAgain;
+  ASSERT_TRUE(silentAgain.Start(L"--never-answer"));
+
+  EXPECT_EQ(RunUpdateCycle(ExchangeBounds{300}), ExchangeEnd::TimedOut);
+
+  EXPECT_TRUE(cache.syncAppHasData);
+  EXPECT_EQ(cache.cyclesWithoutAnswer, 1);
 }
 
 TEST_F(EventUpdateThread, ACycleThatGaveWayToTheUiThreadChangesNothingShown) {
