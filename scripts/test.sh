@@ -14,19 +14,22 @@ root="$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)"
 cd "$root"
 scripts/install-prerequisites.sh
 
+# Each native test is its own process; two at a time halves the wall time
+# on a 2-core machine (the fuzz runs are two of them).
+jobs="$(nproc 2>/dev/null || echo 2)"
 cmake --preset native >/dev/null
 cmake --build --preset native
-ctest --preset native
+ctest --preset native -j "$jobs"
 
-# The same tests once more under ThreadSanitizer: the cache and the log are
-# shared by two threads.
 # Every benchmark builds and runs once (the bench build compiles only the
 # benchmarks and the layers they measure), so none can rot unseen.
 bench/run-benchmarks.sh --smoke
 
+# The same tests once more under ThreadSanitizer: the cache and the log are
+# shared by two threads.
 cmake --preset tsan >/dev/null
 cmake --build --preset tsan
-ctest --preset tsan
+ctest --preset tsan -j "$jobs"
 
 cmake --preset windows >/dev/null
 cmake --build --preset windows
