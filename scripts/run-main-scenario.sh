@@ -347,6 +347,30 @@ wine_run "$office\\POWERPNT.EXE" --script "$(winpath "$out/powerpoint-script.txt
 
 kill "$sync_pid" >/dev/null 2>&1 || true
 wait "$sync_pid" 2>/dev/null || true
+
+# What a sync-app builder would see: syncprobe checks, rule by rule, a
+# simulated sync app that answers for two documents as the real one should.
+cat > "$out/syncprobe-scenario.txt" <<'SCENARIO'
+file C:\probe\report.docx
+set is_sync_file=true
+set file_combo_id=k3v9x
+set is_internet_connected=true
+set is_loading_data_from_server=false
+set is_download_present=Already Up-to-date
+set all_viewers_quid=u1|u2
+set all_viewers_names=Ann Lee|Bo Chan
+file C:\probe\budget.xlsx
+set is_sync_file=false
+SCENARIO
+wine_run "$bin/syncsim.exe" --scenario "$(winpath "$out/syncprobe-scenario.txt")" --run-ms 60000 \
+  > "$out/syncprobe-syncsim-output.txt" 2>&1 &
+probe_sync_pid=$!
+sleep 3
+probe_status=0
+wine_run "$bin/syncprobe.exe" --file 'C:\probe\report.docx' --file 'C:\probe\budget.xlsx' \
+  > "$out/syncprobe-report.txt" 2>&1 || probe_status=$?
+kill "$probe_sync_pid" >/dev/null 2>&1 || true
+wait "$probe_sync_pid" 2>/dev/null || true
 (cd "$bin" && wine_run regsvr32 /s /u /n /i:user QSyncMSOfficeAddin.dll)
 
 cp "$logs/msoffice_addinlog.txt" "$out/"
@@ -360,5 +384,7 @@ echo "---- requests the sync app received ($out/sync-requests.txt) ----"
 cat "$out/sync-requests.txt"
 echo "---- add-in log ($out/msoffice_addinlog.txt) ----"
 cat "$out/msoffice_addinlog.txt"
+echo "---- syncprobe against the simulated sync app ($out/syncprobe-report.txt, exit $probe_status) ----"
+cat "$out/syncprobe-report.txt"
 echo "---- screenshots of what the user saw ----"
 ls -1 "$out"/*.png
