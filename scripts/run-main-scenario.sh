@@ -362,12 +362,14 @@ set all_viewers_names=Ann Lee|Bo Chan
 file C:\probe\budget.xlsx
 set is_sync_file=false
 SCENARIO
-wine_run "$bin/syncsim.exe" --scenario "$(winpath "$out/syncprobe-scenario.txt")" --run-ms 60000 \
+# A pipe of its own: the scenario's sync app may still be winding down.
+probe_pipe='\\.\pipe\FilewellSync-MSOfficeIntegration-syncprobe'
+wine_run "$bin/syncsim.exe" --pipe "$probe_pipe" --scenario "$(winpath "$out/syncprobe-scenario.txt")" --run-ms 60000 \
   > "$out/syncprobe-syncsim-output.txt" 2>&1 &
 probe_sync_pid=$!
 sleep 3
 probe_status=0
-wine_run "$bin/syncprobe.exe" --file 'C:\probe\report.docx' --file 'C:\probe\budget.xlsx' \
+wine_run "$bin/syncprobe.exe" --pipe "$probe_pipe" --file 'C:\probe\report.docx' --file 'C:\probe\budget.xlsx' \
   > "$out/syncprobe-report.txt" 2>&1 || probe_status=$?
 kill "$probe_sync_pid" >/dev/null 2>&1 || true
 wait "$probe_sync_pid" 2>/dev/null || true
