@@ -3,7 +3,7 @@
 #include "common/dispatch.h"
 #include "docactions/unsaved_changes.h"
 #include "log/write_log.h"
-#include "overlay/overlay_windows.h"
+#include "overlay/windows/overlay_windows.h"
 #include "synclink/file_status_cache.h"
 #include "synclink/sync_app_pipe.h"
 #include "synclink/undelivered_closes.h"

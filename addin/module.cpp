@@ -7,7 +7,7 @@
 #include "addin/class_factory.h"
 #include "common/module_instance.h"
 #include "log/addin_log.h"
-#include "overlay/window_classes.h"
+#include "overlay/windows/window_classes.h"
 
 extern "C" IMAGE_DOS_HEADER __ImageBase;
 

@@ -1,4 +1,4 @@
-#include "overlay/active_users_panel.h"
+#include "overlay/layouts/active_users_panel.h"
 
 #include <gtest/gtest.h>
 
@@ -7,9 +7,9 @@
 #include <string>
 #include <vector>
 
-#include "overlay/layout_steps.h"
-#include "overlay/overlay_geometry.h"
-#include "overlay/window_class_names.h"
+#include "overlay/layouts/layout_steps.h"
+#include "overlay/layouts/overlay_geometry.h"
+#include "overlay/windows/window_class_names.h"
 #include "tests/caller.h"
 
 namespace {

@@ -1,4 +1,4 @@
-#include "overlay/avatar_file.h"
+#include "overlay/images/avatar_file.h"
 
 #include <gtest/gtest.h>
 

@@ -1,4 +1,4 @@
-#include "overlay/download_panel.h"
+#include "overlay/layouts/download_panel.h"
 
 #include <gtest/gtest.h>
 
@@ -6,8 +6,8 @@
 #include <string>
 #include <vector>
 
-#include "overlay/layout_steps.h"
-#include "overlay/window_class_names.h"
+#include "overlay/layouts/layout_steps.h"
+#include "overlay/windows/window_class_names.h"
 #include "tests/caller.h"
 
 namespace {

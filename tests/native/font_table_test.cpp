@@ -1,4 +1,4 @@
-#include "overlay/font_table.h"
+#include "overlay/layouts/font_table.h"
 
 #include <gtest/gtest.h>
 

@@ -1,4 +1,4 @@
-#include "overlay/help_links.h"
+#include "overlay/layouts/help_links.h"
 
 #include <gtest/gtest.h>
 

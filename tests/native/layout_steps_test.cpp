@@ -1,11 +1,11 @@
-#include "overlay/layout_steps.h"
+#include "overlay/layouts/layout_steps.h"
 
 #include <gtest/gtest.h>
 
 #include <sstream>
 #include <string>
 
-#include "overlay/window_class_names.h"
+#include "overlay/windows/window_class_names.h"
 #include "tests/caller.h"
 
 namespace {

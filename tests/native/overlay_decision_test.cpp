@@ -1,4 +1,4 @@
-#include "overlay/overlay_decision.h"
+#include "overlay/decision/overlay_decision.h"
 
 #include <gtest/gtest.h>
 

@@ -1,4 +1,4 @@
-#include "overlay/overlay_geometry.h"
+#include "overlay/layouts/overlay_geometry.h"
 
 #include <gtest/gtest.h>
 

@@ -1,10 +1,10 @@
-#include "overlay/overlay_kind.h"
+#include "overlay/decision/overlay_kind.h"
 
 #include <gtest/gtest.h>
 
 #include <string>
 
-#include "overlay/image_file_names.h"
+#include "overlay/images/image_file_names.h"
 
 namespace {
 std::wstring Image(OverlayKind kind) {

@@ -1,4 +1,4 @@
-#include "overlay/png_header.h"
+#include "overlay/images/png_header.h"
 
 #include <gtest/gtest.h>
 

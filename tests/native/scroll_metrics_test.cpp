@@ -1,4 +1,4 @@
-#include "overlay/scroll_metrics.h"
+#include "overlay/layouts/scroll_metrics.h"
 
 #include <gtest/gtest.h>
 

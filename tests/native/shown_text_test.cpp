@@ -1,4 +1,4 @@
-#include "overlay/shown_text.h"
+#include "overlay/layouts/shown_text.h"
 
 #include <gtest/gtest.h>
 

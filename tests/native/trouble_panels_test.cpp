@@ -4,11 +4,11 @@
 #include <string>
 #include <vector>
 
-#include "overlay/conflict_panel.h"
-#include "overlay/delete_panel.h"
-#include "overlay/error_message_panel.h"
-#include "overlay/layout_steps.h"
-#include "overlay/window_class_names.h"
+#include "overlay/layouts/conflict_panel.h"
+#include "overlay/layouts/delete_panel.h"
+#include "overlay/layouts/error_message_panel.h"
+#include "overlay/layouts/layout_steps.h"
+#include "overlay/windows/window_class_names.h"
 #include "tests/caller.h"
 
 namespace {

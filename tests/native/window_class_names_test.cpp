@@ -1,4 +1,4 @@
-#include "overlay/window_class_names.h"
+#include "overlay/windows/window_class_names.h"
 
 #include <gtest/gtest.h>
 

@@ -6,7 +6,7 @@
 #include <gtest/gtest.h>
 
 #include "addin/event_sinks.h"
-#include "overlay/panels.h"
+#include "overlay/windows/panels.h"
 #include "tests/windows/tick_test_support.h"
 
 namespace {

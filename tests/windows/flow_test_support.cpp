@@ -7,11 +7,11 @@
 #include "common/module_instance.h"
 #include "common/text.h"
 #include "log/thread_names.h"
-#include "overlay/custom_ui_updater.h"
-#include "overlay/overlay_windows.h"
-#include "overlay/ui_toolkit.h"
-#include "overlay/window_class_names.h"
-#include "overlay/window_classes.h"
+#include "overlay/tick/custom_ui_updater.h"
+#include "overlay/windows/overlay_windows.h"
+#include "overlay/windows/ui_toolkit.h"
+#include "overlay/windows/window_class_names.h"
+#include "overlay/windows/window_classes.h"
 #include "synclink/update_cycle.h"
 
 namespace {

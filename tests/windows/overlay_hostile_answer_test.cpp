@@ -22,8 +22,8 @@ using std::min;
 #include <vector>
 
 #include "common/text.h"
-#include "overlay/image_file_names.h"
-#include "overlay/overlay_images.h"
+#include "overlay/images/image_file_names.h"
+#include "overlay/images/overlay_images.h"
 #include "synclink/update_cycle.h"
 #include "tests/windows/overlay_test_support.h"
 #include "tests/windows/sync_sim_process.h"

@@ -9,8 +9,8 @@
 #include <vector>
 
 #include "common/unique_resource.h"
-#include "overlay/image_loading.h"
-#include "overlay/overlay_images.h"
+#include "overlay/images/image_loading.h"
+#include "overlay/images/overlay_images.h"
 #include "tests/caller.h"
 #include "tests/windows/overlay_test_support.h"
 #include "tests/windows/wine_test_support.h"

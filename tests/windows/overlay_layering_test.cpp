@@ -9,12 +9,12 @@
 #include <string>
 
 #include "common/unique_resource.h"
-#include "overlay/image_file_names.h"
-#include "overlay/image_loading.h"
-#include "overlay/layering.h"
-#include "overlay/overlay_images.h"
-#include "overlay/panels.h"
-#include "overlay/status_overlays.h"
+#include "overlay/images/image_file_names.h"
+#include "overlay/images/image_loading.h"
+#include "overlay/images/layering.h"
+#include "overlay/images/overlay_images.h"
+#include "overlay/windows/panels.h"
+#include "overlay/windows/status_overlays.h"
 #include "tests/caller.h"
 #include "tests/windows/overlay_test_support.h"
 #include "tests/windows/wine_test_support.h"

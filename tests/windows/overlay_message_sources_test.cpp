@@ -11,8 +11,8 @@
 #include <string>
 #include <vector>
 
-#include "overlay/help_links.h"
-#include "overlay/link_opener.h"
+#include "overlay/layouts/help_links.h"
+#include "overlay/windows/link_opener.h"
 #include "tests/windows/sync_sim_process.h"
 #include "tests/windows/tick_test_support.h"
 #include "tests/windows/wine_test_support.h"

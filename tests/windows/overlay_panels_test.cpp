@@ -19,12 +19,12 @@
 #include <vector>
 
 #include "common/unique_resource.h"
-#include "overlay/active_users_panel.h"
-#include "overlay/help_links.h"
-#include "overlay/image_file_names.h"
-#include "overlay/overlay_images.h"
-#include "overlay/panels.h"
-#include "overlay/status_overlays.h"
+#include "overlay/layouts/active_users_panel.h"
+#include "overlay/layouts/help_links.h"
+#include "overlay/images/image_file_names.h"
+#include "overlay/images/overlay_images.h"
+#include "overlay/windows/panels.h"
+#include "overlay/windows/status_overlays.h"
 #include "tests/caller.h"
 #include "tests/windows/overlay_test_support.h"
 #include "tests/windows/wine_test_support.h"

@@ -10,9 +10,9 @@
 #include <vector>
 
 #include "common/unique_resource.h"
-#include "overlay/active_users_panel.h"
-#include "overlay/panels.h"
-#include "overlay/status_overlays.h"
+#include "overlay/layouts/active_users_panel.h"
+#include "overlay/windows/panels.h"
+#include "overlay/windows/status_overlays.h"
 #include "tests/caller.h"
 #include "tests/windows/overlay_test_support.h"
 

@@ -14,9 +14,9 @@ using std::min;
 
 #include "common/module_instance.h"
 #include "common/text.h"
-#include "overlay/ui_toolkit.h"
-#include "overlay/window_class_names.h"
-#include "overlay/window_classes.h"
+#include "overlay/windows/ui_toolkit.h"
+#include "overlay/windows/window_class_names.h"
+#include "overlay/windows/window_classes.h"
 #include "tests/windows/wine_test_support.h"
 
 namespace {

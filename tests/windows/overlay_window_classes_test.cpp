@@ -7,10 +7,10 @@
 #include <string>
 
 #include "common/module_instance.h"
-#include "overlay/overlay_window_proc.h"
-#include "overlay/scroll_windows.h"
-#include "overlay/window_class_names.h"
-#include "overlay/window_classes.h"
+#include "overlay/windows/overlay_window_proc.h"
+#include "overlay/windows/scroll_windows.h"
+#include "overlay/windows/window_class_names.h"
+#include "overlay/windows/window_classes.h"
 #include "tests/caller.h"
 #include "tests/windows/overlay_test_support.h"
 #include "tools/officesim/resource_counts.h"

@@ -4,11 +4,11 @@
 
 #include "addin/document_handlers.h"
 #include "common/module_instance.h"
-#include "overlay/custom_ui_updater.h"
-#include "overlay/overlay_windows.h"
-#include "overlay/ui_toolkit.h"
-#include "overlay/window_class_names.h"
-#include "overlay/window_classes.h"
+#include "overlay/tick/custom_ui_updater.h"
+#include "overlay/windows/overlay_windows.h"
+#include "overlay/windows/ui_toolkit.h"
+#include "overlay/windows/window_class_names.h"
+#include "overlay/windows/window_classes.h"
 
 void StartOverlayUiOnce() {
   static bool started = false;

@@ -1,0 +1,142 @@
+#include "overlay/layouts/layout_steps.h"
+
+#include <utility>
+
+#include "overlay/layouts/control_styles.h"
+#include "overlay/layouts/shown_text.h"
+#include "overlay/windows/window_class_names.h"
+
+namespace {
+LayoutStep Make(const wchar_t* className, std::uint32_t style, std::wstring text, Box box, int id, FontRole font,
+                const wchar_t* failureText) {
+  LayoutStep step;
+  step.className = className;
+  step.style = style;
+  step.text = std::move(text);
+  step.x = box.x;
+  step.y = box.y;
+  step.width = box.width;
+  step.height = box.height;
+  step.id = id;
+  step.font = font;
+  step.failureText = failureText;
+  return step;
+}
+}  // namespace
+
+LayoutStep TextStep(std::wstring text, Box box, int id, FontRole font, const wchar_t* failureText) {
+  return Make(kStaticClass, kStyleText, std::move(text), box, id, font, failureText);
+}
+
+LayoutStep EllipsisTextStep(std::wstring text, Box box, int id, FontRole font, const wchar_t* failureText) {
+  return Make(kStaticClass, kStyleEllipsisText, std::move(text), box, id, font, failureText);
+}
+
+LayoutStep NameStep(const std::wstring& name, Box box, int id, FontRole font, const wchar_t* failureText) {
+  return Make(kStaticClass, kStyleEllipsisPlainText, CleanShownText(name, kShownNameMaxLength), box, id, font,
+              failureText);
+}
+
+LayoutStep ModifiedOnStep(const std::wstring& time, Box box, int id, FontRole font, const wchar_t* failureText) {
+  return Make(kStaticClass, kStylePlainText, L"Modified on " + CleanShownText(time, kShownTimeMaxLength), box, id,
+              font, failureText);
+}
+
+LayoutStep OwnerDrawnTextStep(std::wstring text, Box box, int id, FontRole font, const wchar_t* failureText) {
+  return Make(kStaticClass, kStyleOwnerDrawnText, std::move(text), box, id, font, failureText);
+}
+
+LayoutStep ImageStep(ImageRole image, Box box, int id, const wchar_t* failureText) {
+  LayoutStep step = Make(kStaticClass, kStyleImage, L"", box, id, FontRole::None, failureText);
+  step.image = image;
+  return step;
+}
+
+LayoutStep AvatarStep(bool tryUserAvatar, std::wstring avatarFile, Box box, const wchar_t* failureText) {
+  LayoutStep step = ImageStep(ImageRole::Avatar, box, 0, failureText);
+  step.tryUserAvatar = tryUserAvatar;
+  step.avatarFile = std::move(avatarFile);
+  return step;
+}
+
+LayoutStep IconStep(ImageRole image, Box box, int id, const wchar_t* failureText) {
+  LayoutStep step = Make(kStaticClass, kStyleIcon, L"", box, id, FontRole::None, failureText);
+  step.image = image;
+  return step;
+}
+
+LayoutStep ButtonStep(std::wstring text, Box box, int id, const wchar_t* failureText) {
+  return Make(kButtonClass, kStyleButton, std::move(text), box, id, FontRole::Body, failureText);
+}
+
+LayoutStep BorderedButtonStep(std::wstring text, Box box, int id, const wchar_t* failureText) {
+  return Make(kButtonClass, kStyleBorderedButton, std::move(text), box, id, FontRole::Body, failureText);
+}
+
+LayoutStep CheckBoxStep(std::wstring text, Box box, int id, const wchar_t* failureText) {
+  return Make(kButtonClass, kStyleCheckBox, std::move(text), box, id, FontRole::Body, failureText);
+}
+
+LayoutStep LinkStep(std::wstring anchorText, Box box, const wchar_t* failureText) {
+  return Make(kSysLinkClass, kStyleLink, std::move(anchorText), box, 0, FontRole::Body, failureText);
+}
+
+LayoutStep ProgressBarStep(Box box, const wchar_t* failureText) {
+  LayoutStep step = Make(kProgressBarClass, kStyleProgressBar, L"", box, 0, FontRole::None, failureText);
+  step.startMarquee = true;
+  return step;
+}
+
+LayoutStep WindowStep(const wchar_t* className, std::uint32_t style, Box box, int id, const wchar_t* failureText) {
+  return Make(className, style, L"", box, id, FontRole::None, failureText);
+}
+
+LayoutStep WindowStep(const wchar_t* className, std::uint32_t style, std::wstring text, Box box, int id, FontRole font,
+                      const wchar_t* failureText) {
+  return Make(className, style, std::move(text), box, id, font, failureText);
+}
+
+LayoutStep ResizeChildStep(int target, Box box, const wchar_t* failureText) {
+  LayoutStep step = Make(nullptr, 0, L"", box, 0, FontRole::None, failureText);
+  step.kind = StepKind::ResizeChild;
+  step.target = target;
+  return step;
+}
+
+LayoutStep InsideOf(int parent, LayoutStep step) {
+  step.parent = parent;
+  return step;
+}
+
+PanelLayout AgainstBadgePanel(int width, int height, const wchar_t* officeRectFailureText,
+                              const wchar_t* badgeRectFailureText, const wchar_t* windowFailureText,
+                              const wchar_t* exceptionActivity) {
+  PanelLayout layout;
+  layout.placement = PanelPlacement::AgainstBadge;
+  layout.width = width;
+  layout.height = height;
+  layout.createHeight = height;
+  layout.className = kMainUiClass;
+  layout.style = kStylePopupBorder;
+  layout.exStyle = 0;
+  layout.officeRectFailureText = officeRectFailureText;
+  layout.badgeRectFailureText = badgeRectFailureText;
+  layout.windowFailureText = windowFailureText;
+  layout.exceptionActivity = exceptionActivity;
+  return layout;
+}
+
+PanelLayout AtCallerPointOverlay(const wchar_t* className, std::uint32_t style, std::uint32_t exStyle, int width,
+                                 int height, const wchar_t* windowFailureText, const wchar_t* exceptionActivity) {
+  PanelLayout layout;
+  layout.placement = PanelPlacement::AtCallerPoint;
+  layout.width = width;
+  layout.height = height;
+  layout.createHeight = height;
+  layout.className = className;
+  layout.style = style;
+  layout.exStyle = exStyle;
+  layout.windowFailureText = windowFailureText;
+  layout.exceptionActivity = exceptionActivity;
+  return layout;
+}
