@@ -122,6 +122,14 @@ TEST_F(BadgeVisibilitySetting, WhenNeededLeavesAPanelTheUserHasOpen) {
   flow_.CycleAndTick();
   ExpectOnScreen(true, true);
   EXPECT_EQ(InProcessHost::Record(path_).overlayKind, static_cast<std::int32_t>(OverlayKind::ViewingOnly));
+  // The user clicks the badge to close the panel: with nothing left that
+  // needs them, the badge goes at the next tick.
+  HWND badge = OfficeFlow::BadgeOf(path_);
+  SendMessageW(badge, WM_LBUTTONDOWN, MK_LBUTTON, MAKELPARAM(10, 10));
+  SendMessageW(badge, WM_LBUTTONUP, 0, MAKELPARAM(10, 10));
+  ExpectOnScreen(true, false);
+  flow_.Tick();
+  ExpectOnScreen(false, false);
   ExpectTheTwoUsualRequests();
 }
 
