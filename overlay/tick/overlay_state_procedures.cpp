@@ -8,9 +8,11 @@
 #include "overlay/images/image_file_names.h"
 #include "overlay/images/image_loading.h"
 #include "overlay/images/layering.h"
+#include "overlay/decision/badge_visibility.h"
 #include "overlay/decision/overlay_decision.h"
 #include "overlay/layouts/overlay_geometry.h"
 #include "overlay/images/overlay_images.h"
+#include "overlay/tick/badge_visibility_in_use.h"
 #include "overlay/windows/overlay_windows.h"
 #include "overlay/windows/panels.h"
 #include "overlay/windows/status_overlays.h"
@@ -322,6 +324,14 @@ void HideBoth(const std::wstring& path, FileStatusRecord& record) {
   Hide(record.badgeWindow);
   WriteLog(LogLevel::Debug, L"hidden overlay UI in non-active file: " + path);
 }
+
+// The badge setting keeps this file's overlays off screen for now: the
+// state is not carried out (so nothing is built to be hidden again) and
+// runs as usual once it is something the setting shows.
+bool HeldBackBySetting(const FileStatusRecord& record) {
+  const bool panelOnScreen = record.subOverlayWindow != nullptr && IsWindowVisible(record.subOverlayWindow);
+  return HoldsBackOverlays(BadgeVisibilityInUse(), DecideOverlayState(FactsOf(record)), panelOnScreen);
+}
 }  // namespace
 
 void UpdateRecordOverlays(const RecordPass& pass, FileStatusRecord& record) {
@@ -336,9 +346,10 @@ void UpdateRecordOverlays(const RecordPass& pass, FileStatusRecord& record) {
   }
   const bool active = pass.path == pass.activeFile;
   const bool minimised = record.hostWindow != nullptr && IsIconic(record.hostWindow);
+  const bool heldBack = HeldBackBySetting(record);
   if (record.overlayUpToDate && !pass.editingChanged) {
     WriteLog(LogLevel::Debug, L"no changes: " + pass.path);
-    if (active && !minimised) {
+    if (active && !minimised && !heldBack) {
       GiveActivationBack(record, L"suboverlay wnd is not active now 2");
       ShowBadgeOfActiveFile(record, pass.activeFile);
     } else {
@@ -353,7 +364,7 @@ void UpdateRecordOverlays(const RecordPass& pass, FileStatusRecord& record) {
     record.overlayUpToDate = 1;
     return;
   }
-  if (!active || minimised) {
+  if (!active || minimised || heldBack) {
     HideBoth(pass.path, record);
     return;
   }

@@ -2,6 +2,7 @@
 
 #include <commctrl.h>
 
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -12,9 +13,11 @@
 #include "log/log_last_error.h"
 #include "log/write_log.h"
 #include "overlay/images/avatar_loading.h"
+#include "overlay/layouts/accessible_names.h"
 #include "overlay/layouts/control_styles.h"
 #include "overlay/images/image_file_names.h"
 #include "overlay/images/image_loading.h"
+#include "overlay/windows/overlay_accessible.h"
 #include "overlay/windows/overlay_fonts.h"
 #include "overlay/images/overlay_images.h"
 #include "overlay/images/panel_bitmaps.h"
@@ -101,6 +104,20 @@ bool ClipToCircle(HWND control, const LayoutStep& step) {
   return true;
 }
 
+// The children whose standard accessible object would say the wrong thing:
+// owner-drawn ones (no role from their style, an "&" read as a mnemonic)
+// and links (their markup read out).
+std::optional<AccessibleControl> AccessibleControlOf(const LayoutStep& step) {
+  if (lstrcmpiW(step.className, kSysLinkClass) == 0) return AccessibleControl::Link;
+  if (lstrcmpiW(step.className, kButtonClass) == 0 && (step.style & BS_TYPEMASK) == BS_OWNERDRAW) {
+    return AccessibleControl::OwnerDrawnButton;
+  }
+  if (lstrcmpiW(step.className, kStaticClass) == 0 && (step.style & SS_TYPEMASK) == SS_OWNERDRAW) {
+    return AccessibleControl::OwnerDrawnTitle;
+  }
+  return std::nullopt;
+}
+
 void StartMarquee(HWND bar) {
   if (SendMessageW(bar, PBM_SETMARQUEE, TRUE, kMarqueeStepMilliseconds) != 0) {
     WriteLog(LogLevel::Debug, L"indeterminate progress bar set");
@@ -126,6 +143,9 @@ bool CreateChild(HWND window, const LayoutStep& step, std::vector<HWND>& childre
     return false;
   }
   if (HFONT font = OverlayFont(step.font)) SendMessageW(control, WM_SETFONT, reinterpret_cast<WPARAM>(font), FALSE);
+  if (const std::optional<AccessibleControl> accessible = AccessibleControlOf(step)) {
+    GiveAccessibleAnswer(control, *accessible);
+  }
   SetImage(window, control, step, driveBitmap);
   if (step.circleRegion && !ClipToCircle(control, step)) return false;
   if (step.startMarquee) StartMarquee(control);
@@ -162,8 +182,11 @@ HWND Build(const PanelLayout& layout, HWND officeWindow, HWND badgeWindow, Point
     place = PlaceSubOverlay(ToRect(office), ToRect(badge), layout.width, layout.createHeight);
   }
 
+  // A panel's window text is its title: what screen readers call it. No
+  // caption bar draws it.
+  const std::wstring name = againstBadge ? PanelAccessibleName(layout) : std::wstring();
   PartialWindow window;
-  window.reset(CreateWindowExW(layout.exStyle, layout.className, nullptr, layout.style, place.x, place.y, layout.width,
+  window.reset(CreateWindowExW(layout.exStyle, layout.className, name.empty() ? nullptr : name.c_str(), layout.style, place.x, place.y, layout.width,
                                layout.createHeight, againstBadge ? badgeWindow : officeWindow, nullptr,
                                ModuleInstance(), nullptr));
   if (window.get() == nullptr) {
