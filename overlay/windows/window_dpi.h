@@ -1,0 +1,18 @@
+#pragma once
+// The DPI the overlay draws at: that of the Office window it sits on.
+// Office is per-monitor DPI aware, so each of its windows has the DPI of
+// the monitor it is on, and the overlay follows it.
+#include <windows.h>
+
+// GetDpiForWindow when user32 has it (Windows 10 1607 and later; looked up
+// at run time so the add-in still loads without it), else the DPI of the
+// window's monitor (GetDpiForMonitor, shcore), else the screen's
+// LOGPIXELSX. Always a usable DPI (UsableDpi): 96 when nothing answers.
+int DpiOfWindow(HWND window);
+
+// The DPI an overlay window was built at, noted by the builder, so the
+// timer can tell when the Office window has moved to a monitor of another
+// DPI and the overlay must be built again at the new scale. 0 for a window
+// built before or by anything else. UI thread only.
+void RememberBuiltDpi(HWND window, int dpi);
+int BuiltDpiOf(HWND window);
