@@ -111,6 +111,12 @@ void StartMarquee(HWND bar) {
   }
 }
 
+HFONT FontOf(const LayoutStep& step, int dpi) {
+  if (step.font != FontRole::None) return OverlayFont(step.font, dpi);
+  const bool text = lstrcmpiW(step.className, kStaticClass) == 0 && !step.text.empty();
+  return text ? UnsetTextFont(dpi) : nullptr;
+}
+
 // One child; false when the build must stop (already logged).
 bool CreateChild(HWND window, const LayoutStep& step, std::vector<HWND>& children, HBITMAP driveBitmap, int dpi) {
   const HWND parent = step.parent == kPanelParent ? window : children.at(static_cast<size_t>(step.parent));
@@ -127,7 +133,7 @@ bool CreateChild(HWND window, const LayoutStep& step, std::vector<HWND>& childre
     LogLastErrorText(step.failureText);
     return false;
   }
-  if (HFONT font = OverlayFont(step.font, dpi)) {
+  if (HFONT font = FontOf(step, dpi)) {
     SendMessageW(control, WM_SETFONT, reinterpret_cast<WPARAM>(font), FALSE);
   }
   SetImage(window, control, step, driveBitmap, dpi);

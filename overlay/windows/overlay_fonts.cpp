@@ -43,6 +43,18 @@ HFONT OverlayFont(FontRole role, int dpi) {
   return font;
 }
 
+HFONT UnsetTextFont(int dpi) {
+  dpi = UsableDpi(dpi);
+  if (dpi == kDesignDpi) return nullptr;
+  static auto* fonts = new std::map<int, HFONT>();  // UI thread only; kept
+  HFONT& font = (*fonts)[dpi];
+  if (font == nullptr) {
+    font = CreateFontW(ScaleForDpi(DefaultCellHeight(), dpi), 0, 0, 0, 400, FALSE, FALSE, FALSE, 0, OUT_DEFAULT_PRECIS,
+                       CLIP_DEFAULT_PRECIS, DEFAULT_QUALITY, DEFAULT_PITCH, nullptr);
+  }
+  return font;
+}
+
 void TakeOverlayFontsOutOfLinks(HWND window) {
   EnumChildWindows(
       window,

@@ -9,6 +9,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cstdlib>
 #include <string>
 #include <vector>
@@ -61,6 +62,10 @@ struct AtDpi {
   // Region boxes (GetWindowRgnBox) leave out the ellipse's last column and
   // row: the status dot's circle, and a conflict button's rounded shape.
   RECT dotRegion;
+  // The rules (a line of hyphens, id 1005) have no font of their own at 96
+  // DPI; elsewhere the default size scaled (16 at 96 DPI), so they still
+  // reach across the panel. 0: none.
+  int ruleFont;
   SIZE plainPicture;   // a 20 × 10 file with no twin
   SIZE twinPicture;    // a 20 × 10 file beside a 40 × 20 twin
   bool twinChosen;
@@ -69,15 +74,15 @@ struct AtDpi {
 const AtDpi kAt96{96,         {800, 650},        70,  {235, 48},          {16, 10, 28, 28},   {54, 16, 167, 21},
                   18,         {184, 58},         {12, 10, 32, 32},    {54, 14, 116, 21},  {0, 52, 184, 6},
                   {400, 170}, {20, 20, 360, 25}, {70, 55, 310, 40},   {20, 110, 170, 40}, 19,
-                  18,         470,               {4, 4, 12, 12},    {20, 10},            {20, 10},           false};
+                  18,         470,               {4, 4, 12, 12},    0,  {20, 10},            {20, 10},           false};
 const AtDpi kAt144{144,        {650, 600},        105, {353, 72},          {24, 15, 42, 42},   {81, 24, 251, 32},
                    27,         {276, 87},         {18, 15, 48, 48},    {81, 21, 174, 32},  {0, 78, 276, 9},
                    {600, 255}, {30, 30, 540, 38}, {105, 83, 465, 60},  {30, 165, 255, 60}, 29,
-                   27,         155,               {6, 6, 19, 19},    {30, 15},            {30, 15},           true};
+                   27,         155,               {6, 6, 19, 19},    24, {30, 15},            {30, 15},           true};
 const AtDpi kAt192{192,        {500, 550},        140, {470, 96},          {32, 20, 56, 56},   {108, 32, 334, 42},
                    36,         {368, 116},        {24, 20, 64, 64},    {108, 28, 232, 42}, {0, 104, 368, 12},
                    {800, 340}, {40, 40, 720, 50}, {140, 110, 620, 80}, {40, 220, 340, 80}, 38,
-                   36,         500,               {8, 8, 25, 25},    {40, 20},            {40, 20},           true};
+                   36,         500,               {8, 8, 25, 25},    32, {40, 20},            {40, 20},           true};
 
 const AtDpi& Expected() {
   switch (PrefixDpi()) {
@@ -117,8 +122,11 @@ class OverlayAtDpi : public testing::Test {
   void SetUp() override { host_.ClearLog(); }
   HWND Office() { return host_.mainWindow(); }
   // A screenshot of the area, kept among the test artefacts.
-  static void Keep(const RECT& area, const std::string& what) {
+  // The part on the 1280 × 800 screen: at 192 DPI a panel can reach past it.
+  static void Keep(RECT area, const std::string& what) {
     PumpMessagesFor(200);
+    area.right = std::min<LONG>(area.right, GetSystemMetrics(SM_CXSCREEN));
+    area.bottom = std::min<LONG>(area.bottom, GetSystemMetrics(SM_CYSCREEN));
     SaveArtefact(CaptureScreen(area), L"dpi-" + std::to_wstring(PrefixDpi()) + L"-" + Widen(what.c_str()));
   }
   OverlayHost host_{SimHost::Word};
@@ -295,4 +303,20 @@ TEST_F(OverlayAtDpi, BuildsTheOverlayAgainWhenTheOfficeWindowDpiChanged) {
   EXPECT_EQ(CountOf(InfoMessages(), "office window dpi changed from " + std::to_string(other) + " to " +
                                         std::to_string(at.dpi) + ", rebuilding overlay: " + Narrow(path)),
             1u);
+}
+
+TEST_F(OverlayAtDpi, GivesTheRulesAFontThatFollowsTheDpi) {
+  const AtDpi& at = Expected();
+  const UniqueOverlay badge(CreateMainOverlay(Office(), at.badgeHome.x, at.badgeHome.y));
+  ASSERT_TRUE(badge);
+  const UniqueOverlay panel(CreateActiveUsersPanel(Office(), badge.get(), L"", L"", L"", {{L"e-bob", L"Bob Stone"}}, {}));
+  ASSERT_TRUE(panel);
+  int rules = 0;
+  for (const ChildRow& row : ChildrenOf(panel.get())) {
+    if (row.id != 1005) continue;
+    ++rules;
+    EXPECT_EQ(row.font.set, at.ruleFont != 0) << Describe(row);
+    if (at.ruleFont != 0) EXPECT_EQ(row.font.height, at.ruleFont) << Describe(row);
+  }
+  EXPECT_EQ(rules, 2);
 }
