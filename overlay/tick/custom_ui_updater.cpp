@@ -58,6 +58,7 @@ void KeepActiveBadgeInside(const std::wstring& activeFile) {
   FileStatusCache& cache = TheFileStatusCache();
   const std::optional<FileStatusRecord> record = cache.Find(activeFile);
   if (!record || record->badgeWindow == nullptr) return;
+  const ThreadDpiAwarenessOf awareness(record->hostWindow);
   WriteLog(LogLevel::Debug, L"updating window pos: " + activeFile);
   RECT office{};
   if (!GetWindowRect(record->hostWindow, &office)) {
@@ -159,6 +160,8 @@ void UpdateRecord(const std::wstring& path, const std::wstring& stamp, const std
   const std::optional<FileStatusRecord> before = cache.Find(path);
   if (!before) return;
   FileStatusRecord working = *before;
+  // The overlay is measured, built and placed in the Office window's pixels.
+  const ThreadDpiAwarenessOf awareness(working.hostWindow);
   // The add-in is closing it for a sync action, and reports that close
   // itself once the host is done.
   if (working.closingForSyncAction) return;

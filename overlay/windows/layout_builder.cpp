@@ -212,6 +212,7 @@ HWND Build(const PanelLayout& designed, HWND officeWindow, HWND badgeWindow, Poi
 
 HWND BuildLayout(const PanelLayout& layout, HWND officeWindow, HWND badgeWindow, Point at, HBITMAP driveBitmap) {
   const wchar_t* activity = layout.exceptionActivity ? layout.exceptionActivity : L"creating overlay UI";
+  const ThreadDpiAwarenessOf awareness(officeWindow);
   return Guarded(activity, static_cast<HWND>(nullptr),
                  [&] { return Build(layout, officeWindow, badgeWindow, at, driveBitmap); });
 }

@@ -65,3 +65,31 @@ int BuiltDpiOf(HWND window) {
   const auto found = dpis.find(window);
   return found != dpis.end() && IsWindow(window) ? found->second : 0;
 }
+
+namespace {
+// DPI_AWARENESS_CONTEXT is a handle; HANDLE stands for it so the header
+// needs no Windows 10 SDK.
+using GetWindowContextFunction = HANDLE(WINAPI*)(HWND);
+using SetThreadContextFunction = HANDLE(WINAPI*)(HANDLE);
+
+GetWindowContextFunction GetWindowContext() {
+  static const GetWindowContextFunction function =
+      Lookup<GetWindowContextFunction>(L"user32.dll", "GetWindowDpiAwarenessContext", false);
+  return function;
+}
+SetThreadContextFunction SetThreadContext() {
+  static const SetThreadContextFunction function =
+      Lookup<SetThreadContextFunction>(L"user32.dll", "SetThreadDpiAwarenessContext", false);
+  return function;
+}
+}  // namespace
+
+ThreadDpiAwarenessOf::ThreadDpiAwarenessOf(HWND window) {
+  if (window == nullptr || GetWindowContext() == nullptr || SetThreadContext() == nullptr) return;
+  HANDLE wanted = GetWindowContext()(window);
+  if (wanted != nullptr) previous_ = SetThreadContext()(wanted);
+}
+
+ThreadDpiAwarenessOf::~ThreadDpiAwarenessOf() {
+  if (previous_ != nullptr) SetThreadContext()(previous_);
+}

@@ -16,3 +16,22 @@ int DpiOfWindow(HWND window);
 // built before or by anything else. UI thread only.
 void RememberBuiltDpi(HWND window, int dpi);
 int BuiltDpiOf(HWND window);
+
+// For as long as it lives, the calling thread creates and places windows
+// with the DPI awareness of `window` (the Office window), and puts the
+// thread's own awareness back after. Office switches its thread to system
+// DPI awareness around its calls into add-ins; windows made then would be
+// system aware, stretched by Windows on a monitor of another DPI and
+// measured in other pixels than the Office window. Does nothing for a null
+// window or where Windows has no awareness contexts (before Windows 10
+// 1607).
+class ThreadDpiAwarenessOf {
+ public:
+  explicit ThreadDpiAwarenessOf(HWND window);
+  ~ThreadDpiAwarenessOf();
+  ThreadDpiAwarenessOf(const ThreadDpiAwarenessOf&) = delete;
+  ThreadDpiAwarenessOf& operator=(const ThreadDpiAwarenessOf&) = delete;
+
+ private:
+  HANDLE previous_ = nullptr;  // the thread's DPI_AWARENESS_CONTEXT before
+};

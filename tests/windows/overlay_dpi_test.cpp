@@ -107,7 +107,9 @@ void ExpectChildAt(const ChildRow& row, const RECT& box, int fontHeight, Caller 
   EXPECT_EQ(row.y, box.top) << Describe(row);
   EXPECT_EQ(row.width, box.right) << Describe(row);
   EXPECT_EQ(row.height, box.bottom) << Describe(row);
-  if (fontHeight != 0) EXPECT_EQ(row.font.height, fontHeight) << Describe(row);
+  if (fontHeight != 0) {
+    EXPECT_EQ(row.font.height, fontHeight) << Describe(row);
+  }
 }
 
 SIZE ClientSizeOf(HWND window) {
@@ -316,7 +318,9 @@ TEST_F(OverlayAtDpi, GivesTheRulesAFontThatFollowsTheDpi) {
     if (row.id != 1005) continue;
     ++rules;
     EXPECT_EQ(row.font.set, at.ruleFont != 0) << Describe(row);
-    if (at.ruleFont != 0) EXPECT_EQ(row.font.height, at.ruleFont) << Describe(row);
+    if (at.ruleFont != 0) {
+      EXPECT_EQ(row.font.height, at.ruleFont) << Describe(row);
+    }
   }
   EXPECT_EQ(rules, 2);
 }
