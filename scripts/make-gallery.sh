@@ -42,7 +42,7 @@ pairs=(
   # Office window's lower right, and the panel, one and a half times as
   # large, opens below the badge.
   word-144dpi-1-loading:loading-150-percent:500x240+600+520
-  word-144dpi-2-editing-4-members:editing-150-percent:660x980+190+570
+  word-144dpi-2-editing-4-members:editing-150-percent:620x960+205+570
   word-144dpi-3-no-internet:no-internet-150-percent:500x240+600+520
 )
 for pair in "${pairs[@]}"; do
