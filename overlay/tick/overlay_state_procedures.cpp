@@ -16,6 +16,7 @@
 #include "overlay/windows/overlay_windows.h"
 #include "overlay/windows/panels.h"
 #include "overlay/windows/status_overlays.h"
+#include "overlay/windows/window_dpi.h"
 
 namespace {
 OverlayKind KindOf(const FileStatusRecord& record) { return static_cast<OverlayKind>(record.overlayKind); }
@@ -61,6 +62,12 @@ void GiveActivationBack(const FileStatusRecord& record, const wchar_t* trace) {
   }
 }
 
+// The kind's badge picture, drawn for the Office window's DPI: the layered
+// badge takes the picture's size.
+HBITMAP BadgePicture(const FileStatusRecord& record, OverlayKind kind) {
+  return SharedImage(BadgeImageFile(kind), kOverlayColourKey, DpiOfWindow(record.hostWindow));
+}
+
 // The badge of a kind other than safe to edit is shown again when its file
 // is the active one; a safe-to-edit badge stays away once hidden.
 void ShowBadgeOfActiveFile(const FileStatusRecord& record, const std::wstring& activeFile) {
@@ -86,7 +93,8 @@ void PlaceBadgeOnce(const std::wstring& path, FileStatusRecord& record) {
     LogLastError(L"couldn't get parent window rect while updating custom UI");
     return;
   }
-  const Point home = BadgeHomePosition({office.left, office.top, office.right, office.bottom});
+  const Point home =
+      BadgeHomePosition({office.left, office.top, office.right, office.bottom}, DpiOfWindow(record.hostWindow));
   record.posX = home.x;
   record.posY = home.y;
   WriteLog(LogLevel::Debug, L"updated window position: " + path);
@@ -161,7 +169,7 @@ void ShowPanelState(OverlayState state, const std::wstring& path, FileStatusReco
   }
   if (record.badgeWindow && (badgeIsNew || kindBefore != kind)) {
     // A new badge is transparent until its picture is laid onto it.
-    ApplyLayering(record.badgeWindow, SharedImage(BadgeImageFile(kind)), kOverlayColourKey);
+    ApplyLayering(record.badgeWindow, BadgePicture(record, kind), kOverlayColourKey);
   }
   WriteLog(LogLevel::Info, StateLogTag(state) + path);
   if (record.badgeWindow) {
@@ -198,7 +206,8 @@ void ShowStatusStrip(OverlayKind kind, const std::wstring& path, FileStatusRecor
     const bool loading = kind == OverlayKind::Loading;
     WriteLog(LogLevel::Info, (loading ? L"loading: " : L"no internet: ") + path);
     // The drive sits on the strip's own colour, not on the badge's key.
-    HBITMAP drive = SharedImage(BadgeImageFile(kind), loading ? kLoadingStripBlue : kPanelWhite);
+    HBITMAP drive =
+        SharedImage(BadgeImageFile(kind), loading ? kLoadingStripBlue : kPanelWhite, DpiOfWindow(record.hostWindow));
     record.badgeWindow = loading ? CreateLoadingOverlay(record.hostWindow, drive, record.posX, record.posY)
                                  : CreateNoInternetOverlay(record.hostWindow, drive, record.posX, record.posY);
     record.subOverlayWindow = nullptr;
@@ -234,7 +243,7 @@ bool BringBadgeBack(FileStatusRecord& record, OverlayKind kind) {
   if (record.badgeWindow != nullptr) return false;
   record.badgeWindow = CreateMainOverlay(record.hostWindow, record.posX, record.posY);
   if (record.badgeWindow == nullptr) return false;
-  ApplyLayering(record.badgeWindow, SharedImage(BadgeImageFile(kind)), kOverlayColourKey);
+  ApplyLayering(record.badgeWindow, BadgePicture(record, kind), kOverlayColourKey);
   return true;
 }
 

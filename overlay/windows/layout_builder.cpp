@@ -15,12 +15,14 @@
 #include "overlay/images/avatar_loading.h"
 #include "overlay/layouts/accessible_names.h"
 #include "overlay/layouts/control_styles.h"
+#include "overlay/layouts/dpi_scaling.h"
 #include "overlay/images/image_file_names.h"
 #include "overlay/images/image_loading.h"
 #include "overlay/windows/overlay_accessible.h"
 #include "overlay/windows/overlay_fonts.h"
 #include "overlay/images/overlay_images.h"
 #include "overlay/images/panel_bitmaps.h"
+#include "overlay/windows/window_dpi.h"
 
 namespace {
 Rect ToRect(const RECT& r) { return {r.left, r.top, r.right, r.bottom}; }
@@ -56,18 +58,18 @@ struct StepImage {
   bool owned = false;
 };
 
-StepImage ImageOf(const LayoutStep& step, HBITMAP driveBitmap) {
+StepImage ImageOf(const LayoutStep& step, HBITMAP driveBitmap, int dpi) {
   switch (step.image) {
     case ImageRole::Avatar: {
       if (step.tryUserAvatar) {
         // Loaded afresh for every panel: the sync app may have a newer one.
-        HBITMAP own = LoadAvatarBitmap(step.avatarFile, step.backdrop);
+        HBITMAP own = LoadAvatarBitmap(step.avatarFile, step.backdrop, dpi);
         if (own != nullptr) return {own, true};
       }
-      return {DefaultAvatar(step.backdrop), false};
+      return {DefaultAvatar(step.backdrop, dpi), false};
     }
     case ImageRole::ErrorIcon:
-      return {SharedImage(kErrorIconImage, step.backdrop), false};
+      return {SharedImage(kErrorIconImage, step.backdrop, dpi), false};
     case ImageRole::DriveBitmap:
       return {driveBitmap, false};
     default:
@@ -75,23 +77,23 @@ StepImage ImageOf(const LayoutStep& step, HBITMAP driveBitmap) {
   }
 }
 
-void SetImage(HWND window, HWND control, const LayoutStep& step, HBITMAP driveBitmap) {
+void SetImage(HWND window, HWND control, const LayoutStep& step, HBITMAP driveBitmap, int dpi) {
   if (step.image == ImageRole::None) return;
   if (step.image == ImageRole::WarningIcon) {
     // A shared system icon: nothing to free.
     SendMessageW(control, STM_SETIMAGE, IMAGE_ICON, reinterpret_cast<LPARAM>(LoadIconW(nullptr, IDI_WARNING)));
     return;
   }
-  const StepImage image = ImageOf(step, driveBitmap);
+  const StepImage image = ImageOf(step, driveBitmap, dpi);
   if (image.bitmap == nullptr) return;  // the control stays empty; the load was logged
   SendMessageW(control, STM_SETIMAGE, IMAGE_BITMAP, reinterpret_cast<LPARAM>(image.bitmap));
   RememberPanelBitmap(window, control, image.bitmap, image.owned);
 }
 
 // Clips a status dot to its circle; false (logged) on failure.
-bool ClipToCircle(HWND control, const LayoutStep& step) {
-  UniqueHrgn region(
-      CreateEllipticRgn(kStatusDotCircle.left, kStatusDotCircle.top, kStatusDotCircle.right, kStatusDotCircle.bottom));
+bool ClipToCircle(HWND control, const LayoutStep& step, int dpi) {
+  const Rect circle = ScaleRectForDpi(kStatusDotCircle, dpi);
+  UniqueHrgn region(CreateEllipticRgn(circle.left, circle.top, circle.right, circle.bottom));
   if (!region) {
     LogLastErrorText(step.regionFailureText);
     return false;
@@ -126,8 +128,14 @@ void StartMarquee(HWND bar) {
   }
 }
 
+HFONT FontOf(const LayoutStep& step, int dpi) {
+  if (step.font != FontRole::None) return OverlayFont(step.font, dpi);
+  const bool text = lstrcmpiW(step.className, kStaticClass) == 0 && !step.text.empty();
+  return text ? UnsetTextFont(dpi) : nullptr;
+}
+
 // One child; false when the build must stop (already logged).
-bool CreateChild(HWND window, const LayoutStep& step, std::vector<HWND>& children, HBITMAP driveBitmap) {
+bool CreateChild(HWND window, const LayoutStep& step, std::vector<HWND>& children, HBITMAP driveBitmap, int dpi) {
   const HWND parent = step.parent == kPanelParent ? window : children.at(static_cast<size_t>(step.parent));
   HWND control = nullptr;
   {
@@ -142,12 +150,14 @@ bool CreateChild(HWND window, const LayoutStep& step, std::vector<HWND>& childre
     LogLastErrorText(step.failureText);
     return false;
   }
-  if (HFONT font = OverlayFont(step.font)) SendMessageW(control, WM_SETFONT, reinterpret_cast<WPARAM>(font), FALSE);
+  if (HFONT font = FontOf(step, dpi)) {
+    SendMessageW(control, WM_SETFONT, reinterpret_cast<WPARAM>(font), FALSE);
+  }
   if (const std::optional<AccessibleControl> accessible = AccessibleControlOf(step)) {
     GiveAccessibleAnswer(control, *accessible);
   }
-  SetImage(window, control, step, driveBitmap);
-  if (step.circleRegion && !ClipToCircle(control, step)) return false;
+  SetImage(window, control, step, driveBitmap, dpi);
+  if (step.circleRegion && !ClipToCircle(control, step, dpi)) return false;
   if (step.startMarquee) StartMarquee(control);
   return true;
 }
@@ -164,8 +174,12 @@ bool ResizeChild(const LayoutStep& step, std::vector<HWND>& children) {
   return true;
 }
 
-HWND Build(const PanelLayout& layout, HWND officeWindow, HWND badgeWindow, Point at, HBITMAP driveBitmap) {
-  if (!layout.IsBuildable()) return nullptr;
+HWND Build(const PanelLayout& designed, HWND officeWindow, HWND badgeWindow, Point at, HBITMAP driveBitmap) {
+  if (!designed.IsBuildable()) return nullptr;
+  // The layouts are written for 96 DPI; every rectangle, font and picture
+  // is scaled here, in one step, for the Office window's DPI.
+  const int dpi = DpiOfWindow(officeWindow);
+  const PanelLayout layout = ScaleLayoutForDpi(designed, dpi);
   const bool againstBadge = layout.placement == PanelPlacement::AgainstBadge;
   RECT office{};
   RECT badge{};
@@ -198,7 +212,7 @@ HWND Build(const PanelLayout& layout, HWND officeWindow, HWND badgeWindow, Point
   children.reserve(layout.steps.size());
   for (const LayoutStep& step : layout.steps) {
     const bool ok = step.kind == StepKind::ResizeChild ? ResizeChild(step, children)
-                                                       : CreateChild(window.get(), step, children, driveBitmap);
+                                                       : CreateChild(window.get(), step, children, driveBitmap, dpi);
     if (!ok) return nullptr;
   }
 
@@ -214,12 +228,14 @@ HWND Build(const PanelLayout& layout, HWND officeWindow, HWND badgeWindow, Point
   // them); the status overlays are shown at once, without taking the focus.
   ShowWindow(window.get(), againstBadge ? SW_HIDE : SW_SHOWNA);
   UpdateWindow(window.get());
+  RememberBuiltDpi(window.get(), dpi);
   return window.release();
 }
 }  // namespace
 
 HWND BuildLayout(const PanelLayout& layout, HWND officeWindow, HWND badgeWindow, Point at, HBITMAP driveBitmap) {
   const wchar_t* activity = layout.exceptionActivity ? layout.exceptionActivity : L"creating overlay UI";
+  const ThreadDpiAwarenessOf awareness(officeWindow);
   return Guarded(activity, static_cast<HWND>(nullptr),
                  [&] { return Build(layout, officeWindow, badgeWindow, at, driveBitmap); });
 }
