@@ -96,6 +96,23 @@ TEST_F(AnswerAllocations, EveryBlockTakenForAFileIsHeldByTheResult) {
   EXPECT_EQ(DebugLinesHandedOver(), 0);
 }
 
+TEST_F(AnswerAllocations, TheListOfSeveralFilesIsAllocatedOnce) {
+  const std::wstring text = L"{\"resp\":[" + kObject + L"," + kObject + L"," + kObject + L"]}";
+  std::int64_t allocations = 0xdeadbeef;
+  std::int64_t frees = 0xdeadbeef;
+  std::vector<AnswerObject> objects;
+  {
+    const AllocationCount count;
+    objects = ParseAnswer(text);
+    allocations = count.allocations();
+    frees = count.frees();
+  }
+  ASSERT_EQ(objects.size(), 3u);
+  EXPECT_EQ(objects.capacity(), 3u);
+  EXPECT_EQ(allocations, HeldBlocks(objects));
+  EXPECT_EQ(frees, 0);
+}
+
 TEST_F(AnswerAllocations, AnswersForFilesNotOpenCostOnlyTheirReading) {
   // Short paths fit the string's own buffer, so looking them up costs nothing.
   const auto objects = ParseAnswer(L"{\"resp\":[{\"file_path\":\"a\"},{\"file_path\":\"b\"}]}");
