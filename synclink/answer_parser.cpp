@@ -18,11 +18,9 @@ constexpr std::wstring_view kFrameStart = L"{\"resp\":[";
 void Trace(const wchar_t* line) {
   if (LogWrites(LogLevel::Debug)) WriteLog(LogLevel::Debug, line);
 }
-// A piece of the answer as a trace line; `tracing` is LogWrites(Debug),
-// asked once per answer rather than once per key and value.
-void Trace(bool tracing, const wchar_t* first, const wchar_t* last) {
-  if (tracing) WriteLog(LogLevel::Debug, std::wstring(first, last));
-}
+// A piece of the answer as a trace line. Callers ask LogWrites(Debug) once
+// per answer, not once per key and value, and call this only when it holds.
+void Trace(const wchar_t* first, const wchar_t* last) { WriteLog(LogLevel::Debug, std::wstring(first, last)); }
 
 // The first `unit` in [from, end), or end.
 const wchar_t* FindUnit(const wchar_t* from, const wchar_t* end, wchar_t unit) {
@@ -30,11 +28,14 @@ const wchar_t* FindUnit(const wchar_t* from, const wchar_t* end, wchar_t unit) {
   return found != nullptr ? found : end;
 }
 
-// The first quote in [from, end), or end. The spans between quotes are
-// short (a key, a flag, a name), where a plain loop beats a library call.
+// The first quote in [from, end), or end. In "key":"value","key" the
+// opening quotes stand right after the cursor, so the next two units are
+// looked at in place; longer spans go to the library's vectorised search.
 const wchar_t* FindQuote(const wchar_t* from, const wchar_t* end) {
-  while (from != end && *from != L'"') ++from;
-  return from;
+  for (int step = 0; step < 2 && from != end; ++step, ++from) {
+    if (*from == L'"') return from;
+  }
+  return FindUnit(from, end, L'"');
 }
 
 // One "key":"value" pair, as the text between the quotes.
@@ -63,10 +64,15 @@ void Assign(AnswerObject& object, const Member& member) {
   object[std::wstring(member.key, member.keyLength)].assign(member.value, member.valueLength);
 }
 
-int Compare(const Member& a, const Member& b) {
-  const int order = std::char_traits<wchar_t>::compare(a.key, b.key, std::min(a.keyLength, b.keyLength));
-  if (order != 0) return order;
-  return a.keyLength < b.keyLength ? -1 : (a.keyLength > b.keyLength ? 1 : 0);
+// Keys in std::wstring's order (unit by unit, then the shorter first),
+// written out: keys differ within their first few units, where a loop is
+// cheaper than a library call.
+bool Less(const Member& a, const Member& b) {
+  const std::size_t common = std::min(a.keyLength, b.keyLength);
+  for (std::size_t i = 0; i < common; ++i) {
+    if (a.key[i] != b.key[i]) return std::char_traits<wchar_t>::lt(a.key[i], b.key[i]);
+  }
+  return a.keyLength < b.keyLength;
 }
 
 // Reads the members of one object, [open, close] with *close == '}', in
@@ -85,7 +91,7 @@ void ScanMembers(bool tracing, const wchar_t* open, const wchar_t* close, Take&&
     if (keyClose == close) return;
     Member member{};
     Between(keyOpen, keyClose, member.key, member.keyLength);
-    Trace(tracing, member.key, member.key + member.keyLength);
+    if (tracing) Trace(member.key, member.key + member.keyLength);
     cursor = keyClose + 1;  // now at the colon
 
     const wchar_t* valueOpen = FindQuote(cursor, close);
@@ -95,7 +101,7 @@ void ScanMembers(bool tracing, const wchar_t* open, const wchar_t* close, Take&&
     }
     if (valueClose == close) return;
     Between(valueOpen, valueClose, member.value, member.valueLength);
-    Trace(tracing, member.value, member.value + member.valueLength);
+    if (tracing) Trace(member.value, member.value + member.valueLength);
     take(member);
     cursor = valueClose + 1;  // now at the comma or the brace
   }
@@ -131,7 +137,7 @@ class ObjectBuilder {
   bool SortedBy(const Member* members, std::size_t count) const {
     if (orderSize_ != count) return false;
     for (std::size_t j = 1; j < count; ++j) {
-      if (Compare(members[order_[j - 1]], members[order_[j]]) >= 0) return false;
+      if (!Less(members[order_[j - 1]], members[order_[j]])) return false;
     }
     return true;
   }
@@ -139,7 +145,7 @@ class ObjectBuilder {
   void Sort(const Member* members, std::size_t count) {
     for (std::size_t i = 0; i < count; ++i) order_[i] = static_cast<unsigned char>(i);
     std::sort(order_, order_ + count,
-              [members](unsigned char a, unsigned char b) { return Compare(members[a], members[b]) < 0; });
+              [members](unsigned char a, unsigned char b) { return Less(members[a], members[b]); });
     orderSize_ = count;
   }
 
@@ -194,7 +200,7 @@ std::vector<AnswerObject> ParseAnswer(std::wstring_view text) {
         Trace(L"converted into json");
         return;
       }
-      Trace(tracing, open, close + 1);
+      if (tracing) Trace(open, close + 1);
       AnswerObject& object = objects.emplace_back();
       try {
         count = 0;
