@@ -6,7 +6,6 @@
 #include <tuple>
 #include <utility>
 
-#include "common/text.h"
 #include "log/exception_barrier.h"
 #include "log/write_log.h"
 
@@ -226,7 +225,15 @@ std::vector<AnswerObject> ParseAnswer(std::wstring_view text) {
   return objects;
 }
 
-std::uint32_t ParseFlag(std::wstring value) {
-  LowerAsciiInPlace(value);
-  return value == L"true" ? 1u : 0u;
+std::uint32_t ParseFlag(std::wstring_view value) {
+  // Read in place: only ASCII letters fold, so "true" in any letter case
+  // gives 1 and nothing else does. No copy of the text is made.
+  static constexpr wchar_t kTrue[] = L"true";
+  if (value.size() != 4) return 0u;
+  for (std::size_t i = 0; i < 4; ++i) {
+    wchar_t unit = value[i];
+    if (unit >= L'A' && unit <= L'Z') unit = static_cast<wchar_t>(unit - L'A' + L'a');
+    if (unit != kTrue[i]) return 0u;
+  }
+  return 1u;
 }

@@ -191,3 +191,10 @@ TEST_F(ParseAnswerTest, GivesWhatThePlainStepByStepScanGivesForAnyText) {
     ASSERT_EQ(CapturedMessages(), reference.traceLines) << testing::PrintToString(text);
   }
 }
+
+TEST(ParseFlag, FoldsOnlyAsciiLetters) {
+  EXPECT_EQ(ParseFlag(L"tRuE"), 1u);
+  EXPECT_EQ(ParseFlag(L"\xFF34RUE"), 0u);  // a full-width T
+  EXPECT_EQ(ParseFlag(std::wstring_view(L"tru\0", 4)), 0u);
+  EXPECT_EQ(ParseFlag(L"truee"), 0u);
+}

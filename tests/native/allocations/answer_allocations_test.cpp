@@ -113,6 +113,31 @@ TEST_F(AnswerAllocations, TheListOfSeveralFilesIsAllocatedOnce) {
   EXPECT_EQ(frees, 0);
 }
 
+TEST_F(AnswerAllocations, ReadingAFileTakesBlocksOnlyForTheTextsItKeeps) {
+  const auto objects = ParseAnswer(L"{\"resp\":[" + kObject + L"]}");
+  ASSERT_EQ(objects.size(), 1u);
+  std::int64_t allocations = 0xdeadbeef;
+  AnswerFields fields;
+  {
+    const AllocationCount count;
+    fields = CollectAnswerFields(objects[0]);
+    allocations = count.allocations();
+  }
+  // The flags are read where they stand, without a copy of their text.
+  const std::size_t inline_capacity = std::wstring().capacity();
+  std::int64_t kept = 0;
+  for (const std::wstring* text :
+       {&fields.file_path, &fields.file_combo_id, &fields.last_modified_by_quid, &fields.last_modified_by,
+        &fields.last_modified_time, &fields.is_download_present, &fields.src, &fields.dest, &fields.all_viewers_quid,
+        &fields.all_viewers_names, &fields.all_editors_quid, &fields.all_editors_names}) {
+    if (text->capacity() > inline_capacity) ++kept;
+  }
+  EXPECT_EQ(fields.is_sync_file, 1u);
+  EXPECT_EQ(fields.is_loading_data_from_server, 0u);
+  EXPECT_EQ(fields.last_modified_by, L"Ann Berg");
+  EXPECT_EQ(allocations, kept);
+}
+
 TEST_F(AnswerAllocations, AnswersForFilesNotOpenCostOnlyTheirReading) {
   // Short paths fit the string's own buffer, so looking them up costs nothing.
   const auto objects = ParseAnswer(L"{\"resp\":[{\"file_path\":\"a\"},{\"file_path\":\"b\"}]}");
