@@ -1,6 +1,7 @@
 // Feeds arbitrary answers to the scanner and checks what must hold for any
 // text the pipe can deliver: it never crashes, everything it returns was
-// taken from the text, and its output cannot outgrow its input.
+// taken from the text, its output cannot outgrow its input, and it reads
+// exactly what the plain step-by-step scan reads.
 #include <algorithm>
 #include <cstddef>
 #include <cstdint>
@@ -10,6 +11,7 @@
 
 #include "fuzz/fuzz_input.h"
 #include "synclink/answer_parser.h"
+#include "tests/native/answer_scanner_reference.h"
 
 namespace {
 // "true" in any case of the ASCII letters, written out independently of
@@ -28,6 +30,7 @@ bool SpellsTrue(std::wstring_view value) {
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   const std::wstring text = UnitsFromBytes(data, size);
   const std::vector<AnswerObject> objects = ParseAnswer(text);
+  FUZZ_CHECK(objects == ReferenceScan(text).objects);
 
   const auto openBraces = static_cast<std::size_t>(std::count(text.begin(), text.end(), L'{'));
   const auto closeBraces = static_cast<std::size_t>(std::count(text.begin(), text.end(), L'}'));

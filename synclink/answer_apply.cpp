@@ -32,13 +32,15 @@ AnswerFields CollectAnswerFields(const AnswerObject& object) {
 
 void ApplyAnswer(FileStatusCache& cache, const std::vector<AnswerObject>& objects) {
   cache.syncAppHasData = !objects.empty();
+  // Asked once: the trace lines below are built only when the log keeps them.
+  const bool tracing = LogWrites(LogLevel::Debug);
   for (const AnswerObject& object : objects) {
     const AnswerFields fields = CollectAnswerFields(object);
     if (!cache.Contains(fields.file_path)) {
-      WriteLog(LogLevel::Debug, L"no, data doesn't exists");
+      if (tracing) WriteLog(LogLevel::Debug, L"no, data doesn't exists");
       continue;
     }
-    WriteLog(LogLevel::Debug, L"yes, data exists");
+    if (tracing) WriteLog(LogLevel::Debug, L"yes, data exists");
     // The UI thread may drop the record at any moment (the document was
     // closed), and then the answer for it no longer matters; an update
     // that finds it gone changes nothing either.

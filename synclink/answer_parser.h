@@ -15,5 +15,6 @@ using AnswerObject = std::map<std::wstring, std::wstring>;
 // frame. Runs in time linear in the text.
 std::vector<AnswerObject> ParseAnswer(std::wstring_view text);
 
-// 1 only for "true" in any letter case; "1", "yes", "" and " true" are 0.
-std::uint32_t ParseFlag(std::wstring value);
+// 1 only for "true" in any letter case (ASCII letters fold, nothing else);
+// "1", "yes", "" and " true" are 0.
+std::uint32_t ParseFlag(std::wstring_view value);

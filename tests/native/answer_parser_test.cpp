@@ -1,6 +1,10 @@
 #include <gtest/gtest.h>
 
+#include <cstdint>
+#include <string>
+
 #include "synclink/answer_parser.h"
+#include "tests/native/answer_scanner_reference.h"
 #include "tests/native/captured_log.h"
 
 namespace {
@@ -129,4 +133,68 @@ TEST(ParseFlag, TakesNothingElseAsTrue) {
   EXPECT_EQ(ParseFlag(L""), 0u);
   EXPECT_EQ(ParseFlag(L" true"), 0u);
   EXPECT_EQ(ParseFlag(L"false"), 0u);
+}
+
+TEST_F(ParseAnswerTest, ReadsObjectsWhoseKeysComeInDifferentOrders) {
+  const auto objects = ParseAnswer(
+      L"{\"resp\":[{\"b\":\"1\",\"a\":\"2\"},{\"a\":\"3\",\"b\":\"4\"},{\"b\":\"5\",\"a\":\"6\",\"c\":\"7\"},"
+      L"{\"b\":\"8\",\"a\":\"9\"},{\"b\":\"x\",\"b\":\"y\"},{\"b\":\"10\",\"a\":\"11\"}]}");
+  ASSERT_EQ(objects.size(), 6u);
+  EXPECT_EQ(objects[0], (AnswerObject{{L"a", L"2"}, {L"b", L"1"}}));
+  EXPECT_EQ(objects[1], (AnswerObject{{L"a", L"3"}, {L"b", L"4"}}));
+  EXPECT_EQ(objects[2], (AnswerObject{{L"a", L"6"}, {L"b", L"5"}, {L"c", L"7"}}));
+  EXPECT_EQ(objects[3], (AnswerObject{{L"a", L"9"}, {L"b", L"8"}}));
+  EXPECT_EQ(objects[4], (AnswerObject{{L"b", L"y"}}));
+  EXPECT_EQ(objects[5], (AnswerObject{{L"a", L"11"}, {L"b", L"10"}}));
+}
+
+TEST_F(ParseAnswerTest, ReadsAnObjectOfHundredsOfMembersWithItsLastValues) {
+  std::wstring text = L"{\"resp\":[{";
+  AnswerObject expected;
+  for (int i = 0; i < 300; ++i) {
+    // Keys repeat every 97 members, so later values replace earlier ones
+    // across the whole object.
+    const std::wstring key = L"k" + std::to_wstring(i % 97);
+    const std::wstring value = L"v" + std::to_wstring(i);
+    text += L"\"" + key + L"\":\"" + value + L"\",";
+    expected[key] = value;
+  }
+  text += L"\"file_path\":\"p\"}]}";
+  expected[L"file_path"] = L"p";
+  const auto objects = ParseAnswer(text);
+  ASSERT_EQ(objects.size(), 1u);
+  EXPECT_EQ(objects[0], expected);
+}
+
+TEST_F(ParseAnswerTest, GivesWhatThePlainStepByStepScanGivesForAnyText) {
+  // Texts built from the characters the scanner looks at, most of them in
+  // the frame, compared with the plain scan: same maps, same trace lines.
+  static const wchar_t* const kPieces[] = {L"\"",      L":",     L",",   L"{",         L"}",          L"a",
+                                           L"b",       L"]",     L"\":", L"\",",       L"\"}",        L"\"a\":\"b\",",
+                                           L"\"a\":\"", L"},{",  L"\"b\":\"c\"}", L"\"c\":\"\",", L" ",          L"\"\":\"\","};
+  std::uint32_t seed = 0x2545f491u;
+  auto next = [&seed] {
+    seed ^= seed << 13;
+    seed ^= seed >> 17;
+    seed ^= seed << 5;
+    return seed;
+  };
+  for (int round = 0; round < 20000; ++round) {
+    std::wstring text = next() % 8 != 0 ? L"{\"resp\":[" : L"";
+    const std::uint32_t pieces = next() % 40;
+    for (std::uint32_t i = 0; i < pieces; ++i) text += kPieces[next() % (sizeof(kPieces) / sizeof(kPieces[0]))];
+    if (next() % 4 != 0) text += L"]}";
+    const ReferenceReading reference = ReferenceScan(text);
+    ClearCapturedLog();
+    const auto objects = ParseAnswer(text);
+    ASSERT_EQ(objects, reference.objects) << testing::PrintToString(text);
+    ASSERT_EQ(CapturedMessages(), reference.traceLines) << testing::PrintToString(text);
+  }
+}
+
+TEST(ParseFlag, FoldsOnlyAsciiLetters) {
+  EXPECT_EQ(ParseFlag(L"tRuE"), 1u);
+  EXPECT_EQ(ParseFlag(L"\xFF34RUE"), 0u);  // a full-width T
+  EXPECT_EQ(ParseFlag(std::wstring_view(L"tru\0", 4)), 0u);
+  EXPECT_EQ(ParseFlag(L"truee"), 0u);
 }
