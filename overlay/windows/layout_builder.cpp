@@ -16,6 +16,7 @@
 #include "overlay/images/image_file_names.h"
 #include "overlay/images/image_loading.h"
 #include "overlay/windows/overlay_fonts.h"
+#include "overlay/windows/text_extents.h"
 #include "overlay/images/overlay_images.h"
 #include "overlay/images/panel_bitmaps.h"
 
@@ -144,8 +145,16 @@ bool ResizeChild(const LayoutStep& step, std::vector<HWND>& children) {
   return true;
 }
 
-HWND Build(const PanelLayout& layout, HWND officeWindow, HWND badgeWindow, Point at, HBITMAP driveBitmap) {
-  if (!layout.IsBuildable()) return nullptr;
+// The layout with room for every text in the font its control will get:
+// as designed where the texts fit, grown where one would be cut off.
+PanelLayout FittedToTexts(const PanelLayout& designed) {
+  return GrowLayoutToFitTexts(designed,
+                              MeasureLayoutTexts(designed, [](const LayoutStep& step) { return OverlayFont(step.font); }));
+}
+
+HWND Build(const PanelLayout& designed, HWND officeWindow, HWND badgeWindow, Point at, HBITMAP driveBitmap) {
+  if (!designed.IsBuildable()) return nullptr;
+  const PanelLayout layout = FittedToTexts(designed);
   const bool againstBadge = layout.placement == PanelPlacement::AgainstBadge;
   RECT office{};
   RECT badge{};
