@@ -31,6 +31,31 @@ struct Growth {
   int dh = 0;  // grew taller
 };
 
+// The part of a step's rectangle that no sibling after it covers: the
+// design lets a rule or a box start a few pixels inside the text above it,
+// which is harmless while the text ends higher, and hides its last line
+// when it does not.
+struct Room {
+  int width;
+  int height;
+};
+Room RoomOf(const PanelLayout& layout, int index) {
+  const LayoutStep& step = layout.steps[static_cast<size_t>(index)];
+  Room room{step.width, step.height};
+  for (const LayoutStep& other : layout.steps) {
+    if (&other == &step || other.kind != StepKind::Create || other.parent != step.parent) continue;
+    const bool acrossColumns = other.x < step.x + step.width && other.x + other.width > step.x;
+    const bool acrossRows = other.y < step.y + step.height && other.y + other.height > step.y;
+    if (acrossColumns && other.y > step.y && other.y < step.y + step.height) {
+      room.height = std::min(room.height, other.y - step.y);
+    }
+    if (acrossRows && other.x > step.x && other.x < step.x + step.width) {
+      room.width = std::min(room.width, other.x - step.x);
+    }
+  }
+  return room;
+}
+
 bool Above(const LayoutStep& upper, const LayoutStep& lower) {
   return upper.y < lower.y && upper.y + upper.height < lower.y + lower.height;
 }
@@ -62,8 +87,9 @@ PanelLayout GrowLayoutToFitTexts(const PanelLayout& layout, const std::vector<Te
   for (int i = 0; i < count && i < static_cast<int>(extents.size()); ++i) {
     const LayoutStep& step = layout.steps[static_cast<size_t>(i)];
     if (step.kind != StepKind::Create) continue;
-    growth[static_cast<size_t>(i)].dw = std::max(0, extents[static_cast<size_t>(i)].width - step.width);
-    growth[static_cast<size_t>(i)].dh = std::max(0, extents[static_cast<size_t>(i)].height - step.height);
+    const Room room = RoomOf(layout, i);
+    growth[static_cast<size_t>(i)].dw = std::max(0, extents[static_cast<size_t>(i)].width - room.width);
+    growth[static_cast<size_t>(i)].dh = std::max(0, extents[static_cast<size_t>(i)].height - room.height);
   }
 
   // A parent's children are laid out before the parent itself, so that its

@@ -36,8 +36,11 @@ struct TextExtent {
   int height = 0;
 };
 
-// The layout with every Create step at least as large as its extent
-// (extents[i] belongs to steps[i]; missing entries ask for nothing).
+// The layout with room for every Create step's extent (extents[i] belongs
+// to steps[i]; missing entries ask for nothing). A step's room is its
+// rectangle up to where a sibling below it or to its right starts inside
+// it (the design lets a rule start a few pixels inside the text above); a
+// step whose extent exceeds its room grows by the difference.
 // Within one parent, a step moves down by the growth of every step above
 // it (one that starts higher and ends higher), and right by the growth of
 // every step to its left in the same row (one that starts further left,

@@ -68,6 +68,30 @@ TEST(GrowLayoutToFitTexts, LengthensADescriptionAndPushesEverythingBelowAndThePa
   EXPECT_EQ(186, fitted.createHeight);
 }
 
+TEST(GrowLayoutToFitTexts, GrowsATextUntilItClearsTheRuleThatStartsInsideIt) {
+  // Advice of 50 at 50, the rule at 95 (inside the advice), a heading below.
+  LayoutStep rule = TextStep(L"----", {0, 95, 400, 25}, kRuleControlId, FontRole::None, L"r - ");
+  const PanelLayout designed = Panel(400, 200, {Text(20, 50, 360, 50), rule, Text(20, 125, 360, 25)});
+  // Two lines (34) end above the rule: nothing moves.
+  const PanelLayout twoLines = GrowLayoutToFitTexts(designed, {{348, 34}, {0, 0}, {0, 0}});
+  EXPECT_EQ(designed.steps, twoLines.steps);
+  // Three lines (51) would end 6 below the rule's top: the advice grows by
+  // 6 and the rule and the heading move down by 6.
+  const PanelLayout threeLines = GrowLayoutToFitTexts(designed, {{348, 51}, {0, 0}, {0, 0}});
+  ExpectBox(threeLines.steps[0], 20, 50, 360, 56);
+  ExpectBox(threeLines.steps[1], 0, 101, 400, 25);
+  ExpectBox(threeLines.steps[2], 20, 131, 360, 25);
+  EXPECT_EQ(206, threeLines.height);
+}
+
+TEST(GrowLayoutToFitTexts, WidensALineUntilItClearsTheControlThatStartsInsideIt) {
+  LayoutStep link = LinkStep(L"<a href=\"x\">Learn More</a>", {20, 0, 100, 20}, L"l - ");
+  LayoutStep hide = ButtonStep(L"Hide", {110, 0, 40, 20}, 3014, L"b - ");
+  const PanelLayout fitted = GrowLayoutToFitTexts(Panel(400, 20, {link, hide}), {{95, 17}, {30, 17}});
+  ExpectBox(fitted.steps[0], 20, 0, 105, 20);  // 90 clear of "Hide", 95 needed
+  ExpectBox(fitted.steps[1], 115, 0, 40, 20);
+}
+
 TEST(GrowLayoutToFitTexts, GrowsAParentWhoseChildGrewAndPushesWhatFollowsIt) {
   // A note of 40 needing 51 inside a box of 60 at 95, a button below.
   const PanelLayout designed =

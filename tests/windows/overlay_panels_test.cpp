@@ -70,8 +70,10 @@ const std::wstring kPermissionsLink = Anchor(L"/portal/kb/articles/team-folder-r
 // - "Learn More" in the body font: L 9, e 9, a 9, r 5, n 9, space 4, M 13,
 //   o 9, r 5, e 9 = 81, one more than its 80-pixel link, so the link is 81
 //   wide and "Hide" beside it starts at 121 instead of 120;
-// - the editors' advice wraps to three lines of 17 (51), one more than its
-//   50: what follows it moves down by one and the panel is one taller;
+// - the editors' advice wraps to three lines of 17 (51) in a box of 50 whose
+//   last 5 pixels the rule below covers (it starts at 95): the text needs 6
+//   more than its 45 clear pixels, so the advice is 56 high, what follows
+//   it moves down by 6 and the panel is 6 taller;
 // - the delete panel's description wraps to three lines (51) in a box of
 //   40, which would lose its last line: 11 more, and the grey box and the
 //   panel move and grow by 11.
@@ -350,17 +352,17 @@ std::vector<ChildRow> TwoViewersWithSection() {
 std::vector<ChildRow> OneEditorThreeViewersWithSection() {
   std::vector<ChildRow> rows = {
       Text(L"Another user is editing this file", 1003, 20, 20, 360, 30, kDefaultBoldFont),
-      Text(kOneEditorAdvice, 1004, 20, 50, 360, 51, kBodyFont),
-      Text(kHyphens111, 1005, 0, 96, 400, 25, kNoFont),
-      Text(L"LIVE MEMBERS ( 4 )", 1004, 20, 126, 360, 25, kSectionFont),
-      {L"QelvoFilewellSync-MSOfficeAddin-MainUI", L"", 5001, 0, 151, 400, 225, kPlainChild, kNoFont, 0},
+      Text(kOneEditorAdvice, 1004, 20, 50, 360, 56, kBodyFont),
+      Text(kHyphens111, 1005, 0, 101, 400, 25, kNoFont),
+      Text(L"LIVE MEMBERS ( 4 )", 1004, 20, 131, 360, 25, kSectionFont),
+      {L"QelvoFilewellSync-MSOfficeAddin-MainUI", L"", 5001, 0, 156, 400, 225, kPlainChild, kNoFont, 0},
   };
   Append(rows, MemberRow(1, L"Bob Stone", true));
   Append(rows, MemberRow(2, L"Cat", false));
   Append(rows, MemberRow(3, L"Dan", false));
   Append(rows, MemberRow(4, L"Eve", false));
-  Append(rows, ActiveUsersSection(376));
-  Append(rows, ActiveUsersFoot(491));
+  Append(rows, ActiveUsersSection(381));
+  Append(rows, ActiveUsersFoot(496));
   return InZOrderAfterTheListShrank(rows);
 }
 const MemberNames kBob = {{L"e-bob", L"Bob Stone"}};
@@ -392,17 +394,17 @@ std::vector<ChildRow> ViewersList(int n, bool section) {
 std::vector<ChildRow> TwelveMembersWithSection() {
   std::vector<ChildRow> rows = {
       Text(L"Multiple users are editing this file", 1003, 20, 20, 360, 30, kDefaultBoldFont),
-      Text(kEditorsAdvice, 1004, 20, 50, 360, 51, kBodyFont),
-      Text(kHyphens111, 1005, 0, 96, 400, 25, kNoFont),
-      Text(L"LIVE MEMBERS ( 12 )", 1004, 20, 126, 360, 25, kSectionFont),
-      {L"QelvoFilewellSync-MSOfficeAddin-VerWhiteScrollUI", L"", 5001, 0, 151, 400, 460, kVerticalScrollArea, kNoFont,
+      Text(kEditorsAdvice, 1004, 20, 50, 360, 56, kBodyFont),
+      Text(kHyphens111, 1005, 0, 101, 400, 25, kNoFont),
+      Text(L"LIVE MEMBERS ( 12 )", 1004, 20, 131, 360, 25, kSectionFont),
+      {L"QelvoFilewellSync-MSOfficeAddin-VerWhiteScrollUI", L"", 5001, 0, 156, 400, 460, kVerticalScrollArea, kNoFont,
        0},
   };
   Append(rows, MemberRow(1, L"Bob Stone", true));
   Append(rows, MemberRow(2, L"Zoe Park", true));
   for (int k = 3; k <= 12; ++k) Append(rows, MemberRow(k, L"Viewer " + std::to_wstring(7 + k), false));
-  Append(rows, ActiveUsersSection(611));
-  Append(rows, ActiveUsersFoot(726));
+  Append(rows, ActiveUsersSection(616));
+  Append(rows, ActiveUsersFoot(731));
   return rows;
 }
 const MemberNames kBobAndZoe = {{L"e-bob", L"Bob Stone"}, {L"e-zoe", L"Zoe Park"}};
@@ -480,7 +482,7 @@ std::vector<Variant> AllVariants() {
 
   add("ActiveUsersOneViewer", ActiveUsers({}, Viewers(1), true), 400, 360, Opens::Above, OneViewerWithSection());
   add("ActiveUsersTwoViewers", ActiveUsers({}, Viewers(2), true), 400, 415, Opens::Above, TwoViewersWithSection());
-  add("ActiveUsersOneEditorThreeViewers", ActiveUsers(kBob, kDanCatEve, true), 400, 551, Opens::Above,
+  add("ActiveUsersOneEditorThreeViewers", ActiveUsers(kBob, kDanCatEve, true), 400, 556, Opens::Above,
       OneEditorThreeViewersWithSection());
   // Eight members: a plain list of 440, 445 before the section. These
   // panels are too tall to open above a badge 600 pixels down the Office
@@ -492,7 +494,7 @@ std::vector<Variant> AllVariants() {
   add("ActiveUsersNineWithoutSection", ActiveUsers({}, Viewers(9), false), 400, 655, Opens::Below,
       ViewersList(9, false));
   add("ActiveUsersNineWithSection", ActiveUsers({}, Viewers(9), true), 400, 760, Opens::Below, ViewersList(9, true));
-  add("ActiveUsersTwelveWithSection", ActiveUsers(kBobAndZoe, Viewers(10), true), 400, 786, Opens::Below,
+  add("ActiveUsersTwelveWithSection", ActiveUsers(kBobAndZoe, Viewers(10), true), 400, 791, Opens::Below,
       TwelveMembersWithSection());
 
   // Download, by editing, downloading and whether details are known.

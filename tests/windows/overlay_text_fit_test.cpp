@@ -14,6 +14,8 @@
 // - owner-drawn statics and buttons, links: one line (GetTextExtentPoint32W)
 //   must fit both ways;
 // - check boxes: the box and its gap, then the text, on one line.
+// A sibling that starts inside the control (a rule a few pixels into the
+// description above it) takes that part of its room away.
 // Not measured: the rules (id 1005), lines of underscores or hyphens that
 // are meant to run off the panel's edge, and the horizontal scroll areas,
 // which scroll a long file name by design.
@@ -21,6 +23,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <functional>
 #include <string>
 #include <vector>
@@ -101,6 +104,30 @@ class Measure {
   HGDIOBJ old_ = nullptr;
 };
 
+RECT RectInParent(HWND control) {
+  RECT box{};
+  GetWindowRect(control, &box);
+  MapWindowPoints(nullptr, GetParent(control), reinterpret_cast<POINT*>(&box), 2);
+  return box;
+}
+
+// The part of the control's client area that no sibling starting inside it
+// (below its top, or right of its left edge) covers: a rule drawn across
+// the last line of a description hides that line as surely as a short box.
+SIZE RoomOf(HWND control, SIZE has) {
+  const RECT self = RectInParent(control);
+  SIZE room = has;
+  for (HWND other = GetWindow(GetParent(control), GW_CHILD); other != nullptr; other = GetWindow(other, GW_HWNDNEXT)) {
+    if (other == control) continue;
+    const RECT box = RectInParent(other);
+    const bool acrossColumns = box.left < self.right && box.right > self.left;
+    const bool acrossRows = box.top < self.bottom && box.bottom > self.top;
+    if (acrossColumns && box.top > self.top && box.top < self.bottom) room.cy = std::min<LONG>(room.cy, box.top - self.top);
+    if (acrossRows && box.left > self.left && box.left < self.right) room.cx = std::min<LONG>(room.cx, box.left - self.left);
+  }
+  return room;
+}
+
 // Every text control under window that does not fit, with what it needs.
 std::vector<Misfit> MisfitsOf(HWND window) {
   std::vector<HWND> controls;
@@ -141,7 +168,8 @@ std::vector<Misfit> MisfitsOf(HWND window) {
     } else {
       continue;  // our own windows: scroll areas that scroll their text
     }
-    if (needed.cx > has.cx || needed.cy > has.cy) misfits.push_back({text, needed, has});
+    const SIZE room = RoomOf(control, has);
+    if (needed.cx > room.cx || needed.cy > room.cy) misfits.push_back({text, needed, room});
   }
   return misfits;
 }
