@@ -41,8 +41,8 @@ SIZE ExtentOf(HFONT font, const std::wstring& text) {
 }
 
 // The same request as the overlay's, with a face named.
-HFONT NamedFont(const FontSpec& spec, const wchar_t* face) {
-  return CreateFontW(spec.height, 0, 0, 0, spec.weight, spec.italic ? TRUE : FALSE, FALSE, FALSE, 0,
+HFONT NamedFont(const FontSpec& wanted, const wchar_t* face) {
+  return CreateFontW(wanted.height, 0, 0, 0, wanted.weight, wanted.italic ? TRUE : FALSE, FALSE, FALSE, 0,
                      OUT_DEFAULT_PRECIS, CLIP_DEFAULT_PRECIS, DEFAULT_QUALITY, DEFAULT_PITCH, face);
 }
 
