@@ -18,6 +18,7 @@
 #include "overlay/layouts/overlay_geometry.h"
 #include "overlay/tick/overlay_state_procedures.h"
 #include "overlay/windows/overlay_windows.h"
+#include "overlay/windows/window_dpi.h"
 #include "synclink/cache_mutex.h"
 #include "synclink/file_status_cache.h"
 #include "synclink/sync_app_pipe.h"
@@ -57,13 +58,14 @@ void KeepActiveBadgeInside(const std::wstring& activeFile) {
   FileStatusCache& cache = TheFileStatusCache();
   const std::optional<FileStatusRecord> record = cache.Find(activeFile);
   if (!record || record->badgeWindow == nullptr) return;
+  const ThreadDpiAwarenessOf awareness(record->hostWindow);
   WriteLog(LogLevel::Debug, L"updating window pos: " + activeFile);
   RECT office{};
   if (!GetWindowRect(record->hostWindow, &office)) {
     LogLastError(L"couldn't get parent window rect while updating custom UI for active file");
     return;
   }
-  const Point home = BadgeHomePosition(ToRect(office));
+  const Point home = BadgeHomePosition(ToRect(office), DpiOfWindow(record->hostWindow));
   if (!HomePositionUsable(home)) return;
   RECT badge{};
   if (!GetWindowRect(record->badgeWindow, &badge)) {
@@ -135,12 +137,31 @@ void ForgetClosedDocument(const std::wstring& path, FileStatusRecord& working,
   if (!request.empty()) closedRequests.push_back(request);
 }
 
+// Office is per-monitor DPI aware: dragged to a monitor of another DPI, its
+// window takes that DPI (WM_DPICHANGED goes to Office's own window, not to
+// ours). The overlay built at the old DPI is taken down here and built
+// again by this same pass at the new scale, at the badge's home for it.
+void FollowHostDpi(const std::wstring& path, FileStatusRecord& working) {
+  if (working.badgeWindow == nullptr || working.hostWindow == nullptr) return;
+  const int built = BuiltDpiOf(working.badgeWindow);
+  const int now = DpiOfWindow(working.hostWindow);
+  if (built == 0 || built == now) return;
+  WriteLog(LogLevel::Info, L"office window dpi changed from " + Number(built) + L" to " + Number(now) +
+                               L", rebuilding overlay: " + path);
+  DestroyOverlayWindows(working.subOverlayWindow, working.badgeWindow);
+  working.posX = 0;
+  working.posY = 0;
+  working.overlayUpToDate = 0;
+}
+
 void UpdateRecord(const std::wstring& path, const std::wstring& stamp, const std::wstring& activeFile,
                   std::vector<std::wstring>& closedRequests) {
   FileStatusCache& cache = TheFileStatusCache();
   const std::optional<FileStatusRecord> before = cache.Find(path);
   if (!before) return;
   FileStatusRecord working = *before;
+  // The overlay is measured, built and placed in the Office window's pixels.
+  const ThreadDpiAwarenessOf awareness(working.hostWindow);
   // The add-in is closing it for a sync action, and reports that close
   // itself once the host is done.
   if (working.closingForSyncAction) return;
@@ -150,6 +171,7 @@ void UpdateRecord(const std::wstring& path, const std::wstring& stamp, const std
       ForgetClosedDocument(path, working, closedRequests);
       return;
     }
+    FollowHostDpi(path, working);
     const bool editing = HasUnsavedChanges(working.document);
     WriteLog(LogLevel::Debug, L"checked: " + path);
     const bool editingChanged = editing != (working.isEditing != 0);

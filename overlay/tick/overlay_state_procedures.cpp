@@ -8,12 +8,15 @@
 #include "overlay/images/image_file_names.h"
 #include "overlay/images/image_loading.h"
 #include "overlay/images/layering.h"
+#include "overlay/decision/badge_visibility.h"
 #include "overlay/decision/overlay_decision.h"
 #include "overlay/layouts/overlay_geometry.h"
 #include "overlay/images/overlay_images.h"
+#include "overlay/tick/badge_visibility_in_use.h"
 #include "overlay/windows/overlay_windows.h"
 #include "overlay/windows/panels.h"
 #include "overlay/windows/status_overlays.h"
+#include "overlay/windows/window_dpi.h"
 
 namespace {
 OverlayKind KindOf(const FileStatusRecord& record) { return static_cast<OverlayKind>(record.overlayKind); }
@@ -59,6 +62,12 @@ void GiveActivationBack(const FileStatusRecord& record, const wchar_t* trace) {
   }
 }
 
+// The kind's badge picture, drawn for the Office window's DPI: the layered
+// badge takes the picture's size.
+HBITMAP BadgePicture(const FileStatusRecord& record, OverlayKind kind) {
+  return SharedImage(BadgeImageFile(kind), kOverlayColourKey, DpiOfWindow(record.hostWindow));
+}
+
 // The badge of a kind other than safe to edit is shown again when its file
 // is the active one; a safe-to-edit badge stays away once hidden.
 void ShowBadgeOfActiveFile(const FileStatusRecord& record, const std::wstring& activeFile) {
@@ -84,7 +93,8 @@ void PlaceBadgeOnce(const std::wstring& path, FileStatusRecord& record) {
     LogLastError(L"couldn't get parent window rect while updating custom UI");
     return;
   }
-  const Point home = BadgeHomePosition({office.left, office.top, office.right, office.bottom});
+  const Point home =
+      BadgeHomePosition({office.left, office.top, office.right, office.bottom}, DpiOfWindow(record.hostWindow));
   record.posX = home.x;
   record.posY = home.y;
   WriteLog(LogLevel::Debug, L"updated window position: " + path);
@@ -159,7 +169,7 @@ void ShowPanelState(OverlayState state, const std::wstring& path, FileStatusReco
   }
   if (record.badgeWindow && (badgeIsNew || kindBefore != kind)) {
     // A new badge is transparent until its picture is laid onto it.
-    ApplyLayering(record.badgeWindow, SharedImage(BadgeImageFile(kind)), kOverlayColourKey);
+    ApplyLayering(record.badgeWindow, BadgePicture(record, kind), kOverlayColourKey);
   }
   WriteLog(LogLevel::Info, StateLogTag(state) + path);
   if (record.badgeWindow) {
@@ -196,7 +206,8 @@ void ShowStatusStrip(OverlayKind kind, const std::wstring& path, FileStatusRecor
     const bool loading = kind == OverlayKind::Loading;
     WriteLog(LogLevel::Info, (loading ? L"loading: " : L"no internet: ") + path);
     // The drive sits on the strip's own colour, not on the badge's key.
-    HBITMAP drive = SharedImage(BadgeImageFile(kind), loading ? kLoadingStripBlue : kPanelWhite);
+    HBITMAP drive =
+        SharedImage(BadgeImageFile(kind), loading ? kLoadingStripBlue : kPanelWhite, DpiOfWindow(record.hostWindow));
     record.badgeWindow = loading ? CreateLoadingOverlay(record.hostWindow, drive, record.posX, record.posY)
                                  : CreateNoInternetOverlay(record.hostWindow, drive, record.posX, record.posY);
     record.subOverlayWindow = nullptr;
@@ -232,7 +243,7 @@ bool BringBadgeBack(FileStatusRecord& record, OverlayKind kind) {
   if (record.badgeWindow != nullptr) return false;
   record.badgeWindow = CreateMainOverlay(record.hostWindow, record.posX, record.posY);
   if (record.badgeWindow == nullptr) return false;
-  ApplyLayering(record.badgeWindow, SharedImage(BadgeImageFile(kind)), kOverlayColourKey);
+  ApplyLayering(record.badgeWindow, BadgePicture(record, kind), kOverlayColourKey);
   return true;
 }
 
@@ -322,6 +333,14 @@ void HideBoth(const std::wstring& path, FileStatusRecord& record) {
   Hide(record.badgeWindow);
   WriteLog(LogLevel::Debug, L"hidden overlay UI in non-active file: " + path);
 }
+
+// The badge setting keeps this file's overlays off screen for now: the
+// state is not carried out (so nothing is built to be hidden again) and
+// runs as usual once it is something the setting shows.
+bool HeldBackBySetting(const FileStatusRecord& record) {
+  const bool panelOnScreen = record.subOverlayWindow != nullptr && IsWindowVisible(record.subOverlayWindow);
+  return HoldsBackOverlays(BadgeVisibilityInUse(), DecideOverlayState(FactsOf(record)), panelOnScreen);
+}
 }  // namespace
 
 void UpdateRecordOverlays(const RecordPass& pass, FileStatusRecord& record) {
@@ -336,9 +355,10 @@ void UpdateRecordOverlays(const RecordPass& pass, FileStatusRecord& record) {
   }
   const bool active = pass.path == pass.activeFile;
   const bool minimised = record.hostWindow != nullptr && IsIconic(record.hostWindow);
+  const bool heldBack = HeldBackBySetting(record);
   if (record.overlayUpToDate && !pass.editingChanged) {
     WriteLog(LogLevel::Debug, L"no changes: " + pass.path);
-    if (active && !minimised) {
+    if (active && !minimised && !heldBack) {
       GiveActivationBack(record, L"suboverlay wnd is not active now 2");
       ShowBadgeOfActiveFile(record, pass.activeFile);
     } else {
@@ -353,7 +373,7 @@ void UpdateRecordOverlays(const RecordPass& pass, FileStatusRecord& record) {
     record.overlayUpToDate = 1;
     return;
   }
-  if (!active || minimised) {
+  if (!active || minimised || heldBack) {
     HideBoth(pass.path, record);
     return;
   }
