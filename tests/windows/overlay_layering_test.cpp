@@ -177,7 +177,12 @@ TEST_F(OverlayOnScreen, ShowsTheLoadingStripBlueWithTheDriveTheTitleAndABarAtThe
   EXPECT_EQ(0, picture.CountOf(kStripBlue, 10, 10 + 52, 184, 6));
 }
 
+// The strip is 245 wide, not the designed 235: its title, 177 wide in Arial
+// Bold at 18 pixels, widened its 167-pixel box by ten (see the status
+// overlays' test), and the strip with it.
 TEST_F(OverlayOnScreen, ShowsTheNoInternetStripWhiteInABorderWithTheDriveAndItsText) {
+  constexpr int kStripWidth = 245;
+  constexpr int kTitleWidth = 177;
   const RECT office = WindowRectOf(OfficeWindow());
   const UniqueOverlay strip(
       CreateNoInternetOverlay(OfficeWindow(), SharedImage(kDriveMonoBigImage), office.left + 100, office.top + 200));
@@ -185,17 +190,17 @@ TEST_F(OverlayOnScreen, ShowsTheNoInternetStripWhiteInABorderWithTheDriveAndItsT
   const Pixels picture = Screenshot(strip.get(), 10, L"no-internet-strip");
   EXPECT_EQ(kOffice, picture.At(5, 5));
   // A one-pixel border all round, white inside.
-  EXPECT_EQ(235, picture.CountOf(Border(), 10, 10, 235, 1));
-  EXPECT_EQ(235, picture.CountOf(Border(), 10, 10 + 47, 235, 1));
+  EXPECT_EQ(kStripWidth, picture.CountOf(Border(), 10, 10, kStripWidth, 1));
+  EXPECT_EQ(kStripWidth, picture.CountOf(Border(), 10, 10 + 47, kStripWidth, 1));
   EXPECT_EQ(48, picture.CountOf(Border(), 10, 10, 1, 48));
-  EXPECT_EQ(48, picture.CountOf(Border(), 10 + 234, 10, 1, 48));
+  EXPECT_EQ(48, picture.CountOf(Border(), 10 + kStripWidth - 1, 10, 1, 48));
   EXPECT_EQ(kWhite, picture.At(10 + 1, 10 + 1));
   // The drive picture at 16, 10 of the client area (inside the border).
   EXPECT_EQ(kDriveGrey, picture.At(10 + 1 + 16 + 14, 10 + 1 + 10 + 14));
   // "No Internet Connection": dark text at 54, 16 on white.
-  const int dark = picture.CountOf(kBlack, 10 + 1 + 54, 10 + 1 + 16, 167, 21);
+  const int dark = picture.CountOf(kBlack, 10 + 1 + 54, 10 + 1 + 16, kTitleWidth, 21);
   EXPECT_LT(50, dark);
-  EXPECT_LT(50, picture.CountOf(kWhite, 10 + 1 + 54, 10 + 1 + 16, 167, 21));
+  EXPECT_LT(50, picture.CountOf(kWhite, 10 + 1 + 54, 10 + 1 + 16, kTitleWidth, 21));
 }
 
 // A panel opened against a badge: the badge at `at`, the conflict panel

@@ -63,6 +63,23 @@ const std::wstring kCollaborationLink = Anchor(
     L"Learn More");
 const std::wstring kPermissionsLink = Anchor(L"/portal/kb/articles/team-folder-roles-and-permissions", L"Learn more");
 
+// Where a text needs more room than the design's rectangle, the control
+// grows to fit it and what sits to its right or below moves by as much.
+// The figures come from Arial's advance widths (2,048 units to the em)
+// rounded at the 16 pixels per em of an 18-pixel cell, line by line:
+// - "Learn More" in the body font: L 9, e 9, a 9, r 5, n 9, space 4, M 13,
+//   o 9, r 5, e 9 = 81, one more than its 80-pixel link, so the link is 81
+//   wide and "Hide" beside it starts at 121 instead of 120;
+// - the editors' advice wraps to three lines of 17 (51) in a box of 50 whose
+//   last 5 pixels the rule below covers (it starts at 95): the text needs 6
+//   more than its 45 clear pixels, so the advice is 56 high, what follows
+//   it moves down by 6 and the panel is 6 taller;
+// - the delete panel's description wraps to three lines (51) in a box of
+//   40, which would lose its last line: 11 more, and the grey box and the
+//   panel move and grow by 11.
+constexpr int kLearnMoreWidth = 81;
+constexpr int kHideX = 121;
+
 ChildRow Text(const std::wstring& text, int id, int x, int y, int w, int h, FontLook font, int parent = 0) {
   return {L"Static", text, id, x, y, w, h, kText, font, parent};
 }
@@ -204,8 +221,8 @@ std::vector<ChildRow> SafeToEditWithSection() {
       Ellipsis(L"Ann Lee", 0, 75, 145, 305, 20, kTitleFont),
       Time(L"Modified on 2026-03-01 10:15", 1004, 75, 165, 305, 20, kBodyFont),
       Text(kUnderscores78, 1005, 0, 185, 400, 20, kNoFont),
-      Link(kCollaborationLink, 20, 215, 80, 20),
-      Button(L"Hide", 3014, 120, 215, 40, 20),
+      Link(kCollaborationLink, 20, 215, kLearnMoreWidth, 20),
+      Button(L"Hide", 3014, kHideX, 215, 40, 20),
   };
 }
 
@@ -215,8 +232,8 @@ std::vector<ChildRow> SafeToEditWithoutSection() {
       Text(L"No other users are currently viewing or editing this file. You can safely make changes.", 1004, 15, 45,
            370, 40, kBodyFont),
       Text(kUnderscores78, 1005, 0, 85, 400, 20, kNoFont),
-      Link(kCollaborationLink, 20, 115, 80, 20),
-      Button(L"Hide", 3014, 120, 115, 40, 20),
+      Link(kCollaborationLink, 20, 115, kLearnMoreWidth, 20),
+      Button(L"Hide", 3014, kHideX, 115, 40, 20),
   };
 }
 
@@ -275,8 +292,8 @@ std::vector<ChildRow> ActiveUsersSection(int s) {
 std::vector<ChildRow> ActiveUsersFoot(int r) {
   return {
       Text(kHyphens111, 1005, 0, r, 400, 25, kNoFont),
-      Link(kCollaborationLink, 20, r + 25, 80, 20),
-      Button(L"Hide", 3014, 120, r + 25, 40, 20),
+      Link(kCollaborationLink, 20, r + 25, kLearnMoreWidth, 20),
+      Button(L"Hide", 3014, kHideX, r + 25, 40, 20),
   };
 }
 
@@ -335,17 +352,17 @@ std::vector<ChildRow> TwoViewersWithSection() {
 std::vector<ChildRow> OneEditorThreeViewersWithSection() {
   std::vector<ChildRow> rows = {
       Text(L"Another user is editing this file", 1003, 20, 20, 360, 30, kDefaultBoldFont),
-      Text(kOneEditorAdvice, 1004, 20, 50, 360, 50, kBodyFont),
-      Text(kHyphens111, 1005, 0, 95, 400, 25, kNoFont),
-      Text(L"LIVE MEMBERS ( 4 )", 1004, 20, 125, 360, 25, kSectionFont),
-      {L"QelvoFilewellSync-MSOfficeAddin-MainUI", L"", 5001, 0, 150, 400, 225, kPlainChild, kNoFont, 0},
+      Text(kOneEditorAdvice, 1004, 20, 50, 360, 56, kBodyFont),
+      Text(kHyphens111, 1005, 0, 101, 400, 25, kNoFont),
+      Text(L"LIVE MEMBERS ( 4 )", 1004, 20, 131, 360, 25, kSectionFont),
+      {L"QelvoFilewellSync-MSOfficeAddin-MainUI", L"", 5001, 0, 156, 400, 225, kPlainChild, kNoFont, 0},
   };
   Append(rows, MemberRow(1, L"Bob Stone", true));
   Append(rows, MemberRow(2, L"Cat", false));
   Append(rows, MemberRow(3, L"Dan", false));
   Append(rows, MemberRow(4, L"Eve", false));
-  Append(rows, ActiveUsersSection(375));
-  Append(rows, ActiveUsersFoot(490));
+  Append(rows, ActiveUsersSection(381));
+  Append(rows, ActiveUsersFoot(496));
   return InZOrderAfterTheListShrank(rows);
 }
 const MemberNames kBob = {{L"e-bob", L"Bob Stone"}};
@@ -377,17 +394,17 @@ std::vector<ChildRow> ViewersList(int n, bool section) {
 std::vector<ChildRow> TwelveMembersWithSection() {
   std::vector<ChildRow> rows = {
       Text(L"Multiple users are editing this file", 1003, 20, 20, 360, 30, kDefaultBoldFont),
-      Text(kEditorsAdvice, 1004, 20, 50, 360, 50, kBodyFont),
-      Text(kHyphens111, 1005, 0, 95, 400, 25, kNoFont),
-      Text(L"LIVE MEMBERS ( 12 )", 1004, 20, 125, 360, 25, kSectionFont),
-      {L"QelvoFilewellSync-MSOfficeAddin-VerWhiteScrollUI", L"", 5001, 0, 150, 400, 460, kVerticalScrollArea, kNoFont,
+      Text(kEditorsAdvice, 1004, 20, 50, 360, 56, kBodyFont),
+      Text(kHyphens111, 1005, 0, 101, 400, 25, kNoFont),
+      Text(L"LIVE MEMBERS ( 12 )", 1004, 20, 131, 360, 25, kSectionFont),
+      {L"QelvoFilewellSync-MSOfficeAddin-VerWhiteScrollUI", L"", 5001, 0, 156, 400, 460, kVerticalScrollArea, kNoFont,
        0},
   };
   Append(rows, MemberRow(1, L"Bob Stone", true));
   Append(rows, MemberRow(2, L"Zoe Park", true));
   for (int k = 3; k <= 12; ++k) Append(rows, MemberRow(k, L"Viewer " + std::to_wstring(7 + k), false));
-  Append(rows, ActiveUsersSection(610));
-  Append(rows, ActiveUsersFoot(725));
+  Append(rows, ActiveUsersSection(616));
+  Append(rows, ActiveUsersFoot(731));
   return rows;
 }
 const MemberNames kBobAndZoe = {{L"e-bob", L"Bob Stone"}, {L"e-zoe", L"Zoe Park"}};
@@ -465,7 +482,7 @@ std::vector<Variant> AllVariants() {
 
   add("ActiveUsersOneViewer", ActiveUsers({}, Viewers(1), true), 400, 360, Opens::Above, OneViewerWithSection());
   add("ActiveUsersTwoViewers", ActiveUsers({}, Viewers(2), true), 400, 415, Opens::Above, TwoViewersWithSection());
-  add("ActiveUsersOneEditorThreeViewers", ActiveUsers(kBob, kDanCatEve, true), 400, 550, Opens::Above,
+  add("ActiveUsersOneEditorThreeViewers", ActiveUsers(kBob, kDanCatEve, true), 400, 556, Opens::Above,
       OneEditorThreeViewersWithSection());
   // Eight members: a plain list of 440, 445 before the section. These
   // panels are too tall to open above a badge 600 pixels down the Office
@@ -477,7 +494,7 @@ std::vector<Variant> AllVariants() {
   add("ActiveUsersNineWithoutSection", ActiveUsers({}, Viewers(9), false), 400, 655, Opens::Below,
       ViewersList(9, false));
   add("ActiveUsersNineWithSection", ActiveUsers({}, Viewers(9), true), 400, 760, Opens::Below, ViewersList(9, true));
-  add("ActiveUsersTwelveWithSection", ActiveUsers(kBobAndZoe, Viewers(10), true), 400, 785, Opens::Below,
+  add("ActiveUsersTwelveWithSection", ActiveUsers(kBobAndZoe, Viewers(10), true), 400, 791, Opens::Below,
       TwelveMembersWithSection());
 
   // Download, by editing, downloading and whether details are known.
@@ -525,12 +542,12 @@ std::vector<Variant> AllVariants() {
        Text(L"This file currently has a different version on the web compared to your computer.", 1004, 70, 55, 310,
             40, kBodyFont),
        Button(L"Resolve conflict", 3006, 20, 110, 170, 40)});
-  add("Delete", [] { return CreateDeletePanel(OfficeWindow(), badge); }, 400, 175, Opens::Above,
+  add("Delete", [] { return CreateDeletePanel(OfficeWindow(), badge); }, 400, 186, Opens::Above,
       {Text(L"This file has been deleted", 0, 20, 20, 360, 25, kTitleFont),
        Text(L"Please close this file so that we can delete it on your computer. This file will not be available "
             L"anymore.",
-            1004, 20, 45, 360, 40, kBodyFont),
-       {L"QelvoFilewellSync-MSOfficeAddin-LightGreyUI", L"", 0, 20, 95, 360, 60, kPlainChild, kNoFont, 0},
+            1004, 20, 45, 360, 51, kBodyFont),
+       {L"QelvoFilewellSync-MSOfficeAddin-LightGreyUI", L"", 0, 20, 106, 360, 60, kPlainChild, kNoFont, 0},
        Text(L"Note: If you want a copy of this file, go to File -> Save As.", 2002, 10, 10, 340, 40, kBodyFont, 3)});
   add("ErrorReadOnly", [] { return CreateErrorMessagePanel(OfficeWindow(), badge, true); }, 440, 110, Opens::Above,
       {Picture(20, 20, 21, 21),

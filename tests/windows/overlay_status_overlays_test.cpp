@@ -102,6 +102,13 @@ TEST_F(StatusOverlays, ShowsTheBadgeWithoutTakingActivationFromOffice) {
 
 // --- The no-internet strip ---
 
+// "No Internet Connection" in the bold title font is 177 wide (Arial Bold's
+// advance widths rounded at 16 pixels per em: N 12, o 10, space 4, I 4,
+// n 10, t 5, e 9, r 6, C 12, c 9, i 4), ten more than the 167 of its box:
+// the title widens to 177 and the strip, keeping its right margin, to 245.
+constexpr int kNoInternetTitleWidth = 177;
+constexpr int kNoInternetStripWidth = 245;
+
 TEST_F(StatusOverlays, BuildsTheNoInternetStripAsAVisibleBorderedPopUpOwnedByOffice) {
   const UniqueOverlay strip(CreateNoInternetOverlay(OfficeWindow(), drive_, at_.x, at_.y));
   ASSERT_TRUE(strip);
@@ -110,7 +117,7 @@ TEST_F(StatusOverlays, BuildsTheNoInternetStripAsAVisibleBorderedPopUpOwnedByOff
   EXPECT_EQ(0u, ExStyleOf(strip.get()));
   EXPECT_EQ(OfficeWindow(), GetWindow(strip.get(), GW_OWNER));
   EXPECT_TRUE(IsWindowVisible(strip.get()));
-  ExpectWindowRect(strip.get(), at_.x, at_.y, 235, 48);
+  ExpectWindowRect(strip.get(), at_.x, at_.y, kNoInternetStripWidth, 48);
 }
 
 TEST_F(StatusOverlays, FillsTheNoInternetStripWithTheDriveAndItsTitle) {
@@ -118,7 +125,7 @@ TEST_F(StatusOverlays, FillsTheNoInternetStripWithTheDriveAndItsTitle) {
   ASSERT_TRUE(strip);
   ExpectChildren(strip.get(), {
                                   {L"Static", L"", 0, 16, 10, 28, 28, 0x5000004E, kNoFont},
-                                  {L"Static", L"No Internet Connection", 0, 54, 16, 167, 21, 0x50000000,
+                                  {L"Static", L"No Internet Connection", 0, 54, 16, kNoInternetTitleWidth, 21, 0x50000000,
                                    kOverlayTitleFont},
                               });
 }

@@ -30,6 +30,15 @@ run reg add 'HKCU\Software\Wine\WineDbg' /v ShowCrashDialog /t REG_DWORD /d 0 /f
 # such as an Office window under its badge) waits up to two seconds at a hide
 # or destroy for a state change that no window manager will ever report.
 run reg add 'HKCU\Software\Wine\X11 Driver' /v Managed /t REG_SZ /d N /f >/dev/null 2>&1
+# Windows gives a font that names no face Arial; Wine would take whatever
+# sans face Linux has, often a wider one, and texts that fit on Windows would
+# be cut off here (or the reverse). Liberation Sans (fonts-liberation) has
+# Arial's advance widths: it stands in for Arial, so both an empty face name
+# and "Arial" get Arial's metrics.
+if ! fc-list 2>/dev/null | grep -q 'Liberation Sans'; then
+  echo "prepare-prefix: Liberation Sans is missing (install fonts-liberation); texts will not measure as on Windows" >&2
+fi
+run reg add 'HKCU\Software\Wine\Fonts\Replacements' /v Arial /t REG_SZ /d 'Liberation Sans' /f >/dev/null 2>&1
 
 appdata="$WINEPREFIX/drive_c/users/${USER:-$(id -un)}/AppData/Roaming"
 [ -d "$appdata" ] || appdata="$(ls -d "$WINEPREFIX"/drive_c/users/*/AppData/Roaming | head -1)"
