@@ -1,8 +1,8 @@
 #pragma once
 // One open document's state: what the sync app last said about the file
 // (SyncReport, written only by the update thread) and the add-in's own
-// state for it (open, unsaved, the user's choices, its overlay windows,
-// written only by the UI thread).
+// state for it (open, unsaved, the user's choices, written only by the UI
+// thread).
 #include <cstdint>
 #include <map>
 #include <string>
@@ -70,17 +70,10 @@ struct FileStatusRecord {
   // sync app only once the host has really closed the document.
   std::uint32_t closingForSyncAction = 0;
   std::uint32_t uiHide = 0;
-  HWND badgeWindow = nullptr;
-  HWND subOverlayWindow = nullptr;
-  std::int32_t posX = 0;
-  std::int32_t posY = 0;
-  std::int32_t pressX = 0;
-  std::int32_t pressY = 0;
-  std::uint32_t buttonDown = 0;
-  std::uint32_t dragged = 0;
-  std::int32_t overlayKind = 0;
   // Cleared by every change an answer brings, set by the overlay once it
-  // has drawn the record.
+  // has drawn the record: the hand-over between the update thread and the
+  // tick, so it lives here. The overlay's windows, their place and what
+  // they show are the overlay's own (OverlayWindowState), never here.
   std::uint32_t overlayUpToDate = 0;
   std::uint32_t isOpen = 1;
   std::wstring seenStamp;

@@ -18,6 +18,7 @@
 #include "overlay/windows/overlay_fonts.h"
 #include "overlay/images/overlay_images.h"
 #include "overlay/images/panel_bitmaps.h"
+#include "overlay/windows/overlay_window_state.h"
 
 namespace {
 Rect ToRect(const RECT& r) { return {r.left, r.top, r.right, r.bottom}; }
@@ -144,7 +145,8 @@ bool ResizeChild(const LayoutStep& step, std::vector<HWND>& children) {
   return true;
 }
 
-HWND Build(const PanelLayout& layout, HWND officeWindow, HWND badgeWindow, Point at, HBITMAP driveBitmap) {
+HWND Build(const PanelLayout& layout, HWND officeWindow, HWND badgeWindow, Point at, HBITMAP driveBitmap,
+           OverlayWindowState* state) {
   if (!layout.IsBuildable()) return nullptr;
   const bool againstBadge = layout.placement == PanelPlacement::AgainstBadge;
   RECT office{};
@@ -162,10 +164,12 @@ HWND Build(const PanelLayout& layout, HWND officeWindow, HWND badgeWindow, Point
     place = PlaceSubOverlay(ToRect(office), ToRect(badge), layout.width, layout.createHeight);
   }
 
+  // A panel belongs to the file of the badge it opens from.
+  if (state == nullptr && againstBadge) state = WindowStateOf(badgeWindow);
   PartialWindow window;
   window.reset(CreateWindowExW(layout.exStyle, layout.className, nullptr, layout.style, place.x, place.y, layout.width,
                                layout.createHeight, againstBadge ? badgeWindow : officeWindow, nullptr,
-                               ModuleInstance(), nullptr));
+                               ModuleInstance(), state));
   if (window.get() == nullptr) {
     LogLastErrorText(layout.windowFailureText);
     return nullptr;
@@ -195,8 +199,9 @@ HWND Build(const PanelLayout& layout, HWND officeWindow, HWND badgeWindow, Point
 }
 }  // namespace
 
-HWND BuildLayout(const PanelLayout& layout, HWND officeWindow, HWND badgeWindow, Point at, HBITMAP driveBitmap) {
+HWND BuildLayout(const PanelLayout& layout, HWND officeWindow, HWND badgeWindow, Point at, HBITMAP driveBitmap,
+                 OverlayWindowState* state) {
   const wchar_t* activity = layout.exceptionActivity ? layout.exceptionActivity : L"creating overlay UI";
   return Guarded(activity, static_cast<HWND>(nullptr),
-                 [&] { return Build(layout, officeWindow, badgeWindow, at, driveBitmap); });
+                 [&] { return Build(layout, officeWindow, badgeWindow, at, driveBitmap, state); });
 }

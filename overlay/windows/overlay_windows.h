@@ -8,6 +8,6 @@
 // is gone. Either handle may be null.
 void DestroyOverlayWindows(HWND& panel, HWND& badge);
 
-// The same for the windows of the cached record under `path`; the record
-// no longer names them afterwards.
+// The same for the windows of the file under `path`; its overlay state no
+// longer names them afterwards.
 void DestroyRecordOverlays(const std::wstring& path);

@@ -9,6 +9,7 @@
 #include "docactions/save_separate_copy.h"
 #include "docactions/unsaved_changes.h"
 #include "log/write_log.h"
+#include "overlay/windows/overlay_window_states.h"
 #include "overlay/windows/overlay_windows.h"
 #include "overlay/windows/panels.h"
 #include "synclink/file_status_cache.h"
@@ -16,11 +17,13 @@
 #include "synclink/sync_app_pipe.h"
 
 namespace {
-// The file whose panel was pressed: its path and the record as it was.
+// The file whose panel was pressed: its path, the record as it was and its
+// windows (held, so a close that drops them leaves the state readable).
 struct Pressed {
   HWND panel;
   std::wstring path;
   FileStatusRecord record;
+  SharedWindowState windows;
 };
 
 FileStatusCache& Cache() { return TheFileStatusCache(); }
@@ -36,7 +39,7 @@ void ReplacePanel(const Pressed& pressed, HWND panel) {
   HWND old = pressed.panel;
   HWND none = nullptr;
   DestroyOverlayWindows(old, none);
-  Store(pressed, [&](FileStatusRecord& record) { record.subOverlayWindow = panel; });
+  pressed.windows->subOverlayWindow = panel;
   if (panel) ShowWindow(panel, SW_SHOWNA);
 }
 
@@ -44,17 +47,16 @@ void ReplacePanel(const Pressed& pressed, HWND panel) {
 // reaches the download or rename/move step leaves it on screen.
 void ShowErrorPanel(const Pressed& pressed, bool readOnly) {
   Store(pressed, [](FileStatusRecord& record) { record.skipNextUpdate = 1; });
-  ReplacePanel(pressed, CreateErrorMessagePanel(pressed.record.hostWindow, pressed.record.badgeWindow, readOnly));
+  ReplacePanel(pressed, CreateErrorMessagePanel(pressed.record.hostWindow, pressed.windows->badgeWindow, readOnly));
 }
 
 void HideBadge(const Pressed& pressed) {
-  if (pressed.record.badgeWindow) ShowWindow(pressed.record.badgeWindow, SW_HIDE);
+  if (pressed.windows->badgeWindow) ShowWindow(pressed.windows->badgeWindow, SW_HIDE);
 }
 
 void DestroyBadge(const Pressed& pressed) {
   HWND none = nullptr;
-  HWND badge = pressed.record.badgeWindow;
-  DestroyOverlayWindows(none, badge);
+  DestroyOverlayWindows(none, pressed.windows->badgeWindow);
 }
 
 // Once the host has really closed the document: its windows go, and one
@@ -65,7 +67,7 @@ void DestroyBadge(const Pressed& pressed) {
 void ReportClosedForSyncAction(const Pressed& pressed, bool hadUnsavedChanges,
                                std::uint32_t FileStatusRecord::*flag) {
   WriteLog(LogLevel::Info, (hadUnsavedChanges ? L"we close this file to sync event - " : L"close file - ") + pressed.path);
-  DestroyRecordOverlays(pressed.path);
+  DropWindowState(pressed.path);
   Store(pressed, [&](FileStatusRecord& record) {
     record.*flag = 1;
     record.closingForSyncAction = 0;
@@ -142,7 +144,7 @@ void Download(const Pressed& pressed) {
   }
   const bool editing = HasUnsavedChanges(pressed.record.document);
   const SyncReport& sync = pressed.record.sync;
-  ReplacePanel(pressed, CreateDownloadPanel(pressed.record.hostWindow, pressed.record.badgeWindow,
+  ReplacePanel(pressed, CreateDownloadPanel(pressed.record.hostWindow, pressed.windows->badgeWindow,
                                             sync.last_modified_by_quid, sync.last_modified_by,
                                             sync.last_modified_time, editing, true));
 }
@@ -163,7 +165,7 @@ void Reload(const Pressed& pressed) {
       record.reloadPromptPlain = record.saveSeparateCopy != 0 ? 1 : 0;
       record.reloadPromptAskSave = 1;
     });
-    ReplacePanel(pressed, CreateConfirmLeavePanel(pressed.record.hostWindow, pressed.record.badgeWindow, true, false,
+    ReplacePanel(pressed, CreateConfirmLeavePanel(pressed.record.hostWindow, pressed.windows->badgeWindow, true, false,
                                                   true, false, false));
     return;
   }
@@ -229,7 +231,7 @@ void AskBeforeResolving(const Pressed& pressed) {
     record.resolveConflictClicked = 1;
     record.conflictAskShown = editing ? 1 : 0;
   });
-  ReplacePanel(pressed, CreateConfirmLeavePanel(pressed.record.hostWindow, pressed.record.badgeWindow, editing, true,
+  ReplacePanel(pressed, CreateConfirmLeavePanel(pressed.record.hostWindow, pressed.windows->badgeWindow, editing, true,
                                                 false, false, false));
 }
 
@@ -242,7 +244,7 @@ void AskBeforeFollowing(const Pressed& pressed) {
     record.renameMoveAskShown = editing ? 1 : 0;
   });
   const SyncReport& sync = pressed.record.sync;
-  ReplacePanel(pressed, CreateConfirmLeavePanel(pressed.record.hostWindow, pressed.record.badgeWindow, editing, false,
+  ReplacePanel(pressed, CreateConfirmLeavePanel(pressed.record.hostWindow, pressed.windows->badgeWindow, editing, false,
                                                 false, sync.is_rename_present != 0, sync.is_move_present != 0));
 }
 
@@ -258,7 +260,7 @@ bool AskAboutChangesMadeSince(const Pressed& pressed, bool conflict) {
   Store(pressed, [&](FileStatusRecord& record) {
     (conflict ? record.conflictAskShown : record.renameMoveAskShown) = 1;
   });
-  ReplacePanel(pressed, CreateConfirmLeavePanel(pressed.record.hostWindow, pressed.record.badgeWindow, true, conflict,
+  ReplacePanel(pressed, CreateConfirmLeavePanel(pressed.record.hostWindow, pressed.windows->badgeWindow, true, conflict,
                                                 false, !conflict && sync.is_rename_present != 0,
                                                 !conflict && sync.is_move_present != 0));
   return true;
@@ -328,12 +330,10 @@ void FollowRenameOrMoveSaving(const Pressed& pressed, bool save) {
 void Hide(const Pressed& pressed) {
   Store(pressed, [](FileStatusRecord& record) {
     record.uiHide = 1;
-    record.overlayKind = 0;
     ResetUserActionFlags(record);
   });
-  HWND panel = pressed.record.subOverlayWindow;
-  HWND badge = pressed.record.badgeWindow;
-  DestroyOverlayWindows(panel, badge);
+  pressed.windows->overlayKind = 0;
+  DestroyOverlayWindows(pressed.windows->subOverlayWindow, pressed.windows->badgeWindow);
   TheSyncAppPipe().Exchange(Cache().BuildRequest(pressed.path, 1));
 }
 
@@ -367,12 +367,15 @@ void HandlePanelCommand(HWND panel, int id) {
   for (const Command& command : kCommands) {
     if (command.id != id) continue;
     WriteLog(LogLevel::Debug, command.text);
-    const std::optional<std::wstring> path = Cache().PathOfWindow(panel, FileStatusCache::WindowRole::Panel);
-    if (!path) return;
-    std::optional<FileStatusRecord> record = Cache().Find(*path);
+    const OverlayWindowState* state = WindowStateOf(panel);
+    if (state == nullptr || state->subOverlayWindow != panel) return;
+    SharedWindowState windows = FindWindowState(state->path);
+    if (!windows) return;
+    std::optional<FileStatusRecord> record = Cache().Find(windows->path);
     if (!record) return;
-    WriteLog(LogLevel::Info, std::wstring(command.text) + L": " + *path);
-    command.act({panel, *path, std::move(*record)});
+    const std::wstring path = windows->path;
+    WriteLog(LogLevel::Info, std::wstring(command.text) + L": " + path);
+    command.act({panel, path, std::move(*record), std::move(windows)});
     return;
   }
 }

@@ -24,9 +24,7 @@ TEST_F(Cache, StoresANewFileWithLoadingDefaultsAndLogsIt) {
   EXPECT_EQ(record.sync.is_loading_data_from_server, 1u);
   EXPECT_EQ(record.sync.downloadState, 2);
   EXPECT_EQ(record.isOpen, 1u);
-  EXPECT_EQ(record.overlayKind, 0);
   EXPECT_EQ(record.overlayUpToDate, 0u);
-  EXPECT_EQ(record.badgeWindow, nullptr);
   EXPECT_EQ(CapturedLog(), (std::vector<CapturedLine>{{LogLevel::Info, L"file info stored in cache - C:\\a.docx"}}));
 }
 

@@ -12,6 +12,7 @@
 #include "addin/event_sinks.h"
 #include "addin/file_closing.h"
 #include "docactions/close_file.h"
+#include "overlay/windows/overlay_window_states.h"
 #include "synclink/sync_app_pipe.h"
 #include "tests/windows/in_process_host.h"
 
@@ -93,7 +94,10 @@ class RecordingSyncApp {
 class FileClosing : public testing::TestWithParam<SimHost> {
  protected:
   void SetUp() override { ASSERT_EQ(sinks_.Subscribe(AddinHostOf(GetParam()), &host_.app()), S_OK); }
-  void TearDown() override { sinks_.Unsubscribe(AddinHostOf(GetParam()), &host_.app()); }
+  void TearDown() override {
+    sinks_.Unsubscribe(AddinHostOf(GetParam()), &host_.app());
+    DropAllWindowStates();
+  }
 
   void Closing(IDispatch* document) {
     OnFileClosing(ComPtr<IDispatch>(document));
@@ -103,10 +107,9 @@ class FileClosing : public testing::TestWithParam<SimHost> {
     SimDocument* document = host_.Open(base + DocumentExtension(GetParam()));
     badge_.reset(CreatePlainWindow());
     panel_.reset(CreatePlainWindow());
-    host_.ChangeRecord(document->fullName(), [&](FileStatusRecord& record) {
-      record.badgeWindow = badge_.get();
-      record.subOverlayWindow = panel_.get();
-    });
+    const SharedWindowState windows = WindowStateFor(document->fullName(), nullptr);
+    windows->badgeWindow = badge_.get();
+    windows->subOverlayWindow = panel_.get();
     host_.ClearLog();
     return document;
   }
@@ -136,7 +139,7 @@ TEST_P(FileClosing, TheUsersCloseOfAModifiedCachedFileOnlyLogs) {
   ASSERT_TRUE(TheFileStatusCache().Contains(document->fullName()));
   const FileStatusRecord record = host_.Record(document->fullName());
   EXPECT_EQ(record.isOpen, 1u);
-  EXPECT_EQ(record.badgeWindow, badge_.get());
+  EXPECT_EQ(FindWindowState(document->fullName())->badgeWindow, badge_.get());
   EXPECT_TRUE(IsWindow(badge_.get()));
   EXPECT_TRUE(IsWindow(panel_.get()));
   EXPECT_TRUE(syncApp_.requests().empty());

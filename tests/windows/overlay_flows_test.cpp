@@ -14,6 +14,7 @@
 #include <regex>
 
 #include "common/text.h"
+#include "overlay/windows/overlay_window_states.h"
 #include "tests/windows/flow_test_support.h"
 
 namespace {
@@ -71,6 +72,11 @@ class PanelFlow : public testing::TestWithParam<SimHost> {
   HWND Panel() const { return OfficeFlow::PanelOf(path_); }
   HWND Badge() const { return OfficeFlow::BadgeOf(path_); }
   FileStatusRecord Record() const { return InProcessHost::Record(path_); }
+  // The kind the file's badge shows (-1 without an overlay state).
+  int KindShown() const {
+    const SharedWindowState state = FindWindowState(path_);
+    return state ? state->overlayKind : -1;
+  }
   std::string P() const { return Narrow(path_); }
   std::string OnDisk() const { return ReadFileBytes(path_); }
 
@@ -139,7 +145,7 @@ TEST_P(PanelFlow, DownloadWithoutUnsavedChangesReloadsTheNewVersion) {
   EXPECT_TRUE(Shows(offer, L"Modified on 2026-11-23 09:41"));
   EXPECT_EQ(TextOf(offer, 3001), L"Download latest version");
   EXPECT_EQ(GetDlgItem(offer, 4001), nullptr);
-  EXPECT_EQ(Record().overlayKind, 7);
+  EXPECT_EQ(KindShown(), 7);
   EXPECT_TRUE(ContainsInOrder(flow_.Messages(), {"download: " + P()}));
 
   flow_.ClearLog();
@@ -386,7 +392,7 @@ TEST_P(PanelFlow, ConflictResolvedWithContinueClosesTheFileForTheResolveWindow) 
   ExpectPanelOnScreen(conflict, {3006});
   EXPECT_TRUE(Shows(conflict, L"File conflict occurred"));
   EXPECT_EQ(TextOf(conflict, 3006), L"Resolve conflict");
-  EXPECT_EQ(Record().overlayKind, 6);
+  EXPECT_EQ(KindShown(), 6);
 
   flow_.ClearLog();
   flow_.Press(conflict, 3006);
@@ -481,7 +487,7 @@ TEST_P(PanelFlow, RenameFollowedWithReloadClosesTheFile) {
   EXPECT_EQ(TextOf(renamed, 5002), Named(L"final"));
   EXPECT_EQ(TextOf(renamed, 3010), L"Reload");
   EXPECT_EQ(WindowSizeOf(renamed).cy, 365);
-  EXPECT_EQ(Record().overlayKind, 5);
+  EXPECT_EQ(KindShown(), 5);
 
   flow_.ClearLog();
   flow_.Press(renamed, 3010);
@@ -606,7 +612,7 @@ TEST_P(PanelFlow, ADeletedFileAsksTheUserToCloseItAndItsCloseIsReported) {
   EXPECT_TRUE(Shows(deleted, L"Please close this file so that we can delete it on your computer. This file will not "
                              L"be available anymore."));
   EXPECT_EQ(WindowSizeOf(deleted).cy, 175);
-  EXPECT_EQ(Record().overlayKind, 5);
+  EXPECT_EQ(KindShown(), 5);
   EXPECT_TRUE(ContainsInOrder(flow_.Messages(), {"delete: " + P()}));
 
   HWND badge = Badge();
@@ -627,7 +633,7 @@ TEST_P(PanelFlow, HideTakesBothWindowsAwayAndTellsTheSyncAppAtOnce) {
   ASSERT_NE(document, nullptr);
   HWND viewers = Panel();
   ExpectPanelOnScreen(viewers, {3014});
-  EXPECT_EQ(Record().overlayKind, 8);
+  EXPECT_EQ(KindShown(), 8);
   HWND badge = Badge();
 
   flow_.ClearLog();
@@ -635,7 +641,7 @@ TEST_P(PanelFlow, HideTakesBothWindowsAwayAndTellsTheSyncAppAtOnce) {
   EXPECT_FALSE(IsWindow(viewers));
   EXPECT_FALSE(IsWindow(badge));
   EXPECT_EQ(Record().uiHide, 1u);
-  EXPECT_EQ(Record().overlayKind, 0);
+  EXPECT_EQ(KindShown(), 0);
   EXPECT_EQ(flow_.Messages(), std::vector<std::string>{"user clicked hide option: " + P()});
   RequestFields hidden;
   hidden.withUiHide = true;
@@ -860,7 +866,7 @@ TEST_P(PanelFlow, AReloadTheHostRefusesBringsTheBadgeAndTheReloadConfirmationBac
   EXPECT_TRUE(TheFileStatusCache().Contains(path_));
   flow_.Tick();
   ExpectPanelOnScreen(Panel(), {3003});
-  EXPECT_EQ(Record().overlayKind, 7);
+  EXPECT_EQ(KindShown(), 7);
   EXPECT_EQ(Record().retryModify, 0u);
 
   // Tried again, the close happens.
