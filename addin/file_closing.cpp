@@ -27,7 +27,9 @@ void OnFileClosing(ComPtr<IDispatch> document) {
     return;
   }
   const bool unsaved = HasUnsavedChanges(document);
-  const bool addinIsClosingIt = record->retryModify || record->resolveConflict || record->retryRenameOrMove;
+  const UserChoices& choices = record->choices;
+  const bool addinIsClosingIt = choices.Has(UserChoice::retryModify) || choices.Has(UserChoice::resolveConflict) ||
+                                choices.Has(UserChoice::retryRenameOrMove);
   if (unsaved && !addinIsClosingIt) {
     // The user's own close of a modified file: the host now asks about
     // saving, and the document may well stay open.

@@ -22,21 +22,8 @@ void MergeUiChanges(FileStatusRecord& s, const FileStatusRecord& b, const FileSt
   KeepChange(s.hostWindow, b.hostWindow, a.hostWindow);
   KeepChange(s.isEditing, b.isEditing, a.isEditing);
   KeepChange(s.document, b.document, a.document);
-  KeepChange(s.downloadRequested, b.downloadRequested, a.downloadRequested);
-  KeepChange(s.reloadPromptPlain, b.reloadPromptPlain, a.reloadPromptPlain);
-  KeepChange(s.reloadPromptAskSave, b.reloadPromptAskSave, a.reloadPromptAskSave);
-  KeepChange(s.retryModify, b.retryModify, a.retryModify);
-  KeepChange(s.saveSeparateCopy, b.saveSeparateCopy, a.saveSeparateCopy);
-  KeepChange(s.renameMoveClicked, b.renameMoveClicked, a.renameMoveClicked);
-  KeepChange(s.renameMoveAskShown, b.renameMoveAskShown, a.renameMoveAskShown);
-  KeepChange(s.retryRenameOrMove, b.retryRenameOrMove, a.retryRenameOrMove);
-  KeepChange(s.retryDelete, b.retryDelete, a.retryDelete);
-  KeepChange(s.resolveConflictClicked, b.resolveConflictClicked, a.resolveConflictClicked);
-  KeepChange(s.conflictAskShown, b.conflictAskShown, a.conflictAskShown);
-  KeepChange(s.resolveConflict, b.resolveConflict, a.resolveConflict);
-  KeepChange(s.skipNextUpdate, b.skipNextUpdate, a.skipNextUpdate);
+  s.choices.MergeChanges(b.choices, a.choices);
   KeepChange(s.closingForSyncAction, b.closingForSyncAction, a.closingForSyncAction);
-  KeepChange(s.uiHide, b.uiHide, a.uiHide);
   KeepChange(s.isOpen, b.isOpen, a.isOpen);
   KeepChange(s.seenStamp, b.seenStamp, a.seenStamp);
   if (a.overlayUpToDate != b.overlayUpToDate) {

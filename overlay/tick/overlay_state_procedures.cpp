@@ -9,6 +9,7 @@
 #include "overlay/images/image_loading.h"
 #include "overlay/images/layering.h"
 #include "overlay/decision/overlay_decision.h"
+#include "overlay/decision/tick_plan.h"
 #include "overlay/layouts/overlay_geometry.h"
 #include "overlay/images/overlay_images.h"
 #include "overlay/windows/overlay_windows.h"
@@ -25,13 +26,13 @@ OverlayFacts FactsOf(const FileStatusRecord& record) {
   facts.is_loading_data_from_server = record.sync.is_loading_data_from_server != 0;
   facts.is_delete_present = record.sync.is_delete_present != 0;
   facts.is_conflict_present = record.sync.is_conflict_present != 0;
-  facts.resolveConflictClicked = record.resolveConflictClicked != 0;
+  facts.resolveConflictClicked = record.choices.Has(UserChoice::resolveConflictClicked);
   facts.downloadState = static_cast<std::uint32_t>(record.sync.downloadState);
-  facts.downloadRequested = record.downloadRequested != 0;
-  facts.skipNextUpdate = record.skipNextUpdate != 0;
+  facts.downloadRequested = record.choices.Has(UserChoice::downloadRequested);
+  facts.skipNextUpdate = record.choices.Has(UserChoice::skipNextUpdate);
   facts.is_rename_present = record.sync.is_rename_present != 0;
   facts.is_move_present = record.sync.is_move_present != 0;
-  facts.renameMoveClicked = record.renameMoveClicked != 0;
+  facts.renameMoveClicked = record.choices.Has(UserChoice::renameMoveClicked);
   facts.editorCount = record.sync.editorsByQuid.size();
   facts.viewerCount = record.sync.viewersByQuid.size();
   return facts;
@@ -43,14 +44,8 @@ void Hide(HWND window) {
   if (window && IsWindowVisible(window)) ShowWindow(window, SW_HIDE);
 }
 
-void DestroyPanel(OverlayWindowState& w) {
-  HWND none = nullptr;
-  DestroyOverlayWindows(w.subOverlayWindow, none);
-}
-void DestroyBadge(OverlayWindowState& w) {
-  HWND none = nullptr;
-  DestroyOverlayWindows(none, w.badgeWindow);
-}
+void DestroyPanel(OverlayWindowState& w) { DestroyOverlayWindow(w.subOverlayWindow); }
+void DestroyBadge(OverlayWindowState& w) { DestroyOverlayWindow(w.badgeWindow); }
 
 // A panel the user had not opened would pop up again on every rebuild; the
 // panel is kept from activation, which goes back to the document.
@@ -102,7 +97,7 @@ HWND BuildPanelFor(OverlayState state, const FileStatusRecord& record, const Ove
     case OverlayState::Download:
       return CreateDownloadPanel(record.hostWindow, w.badgeWindow, sync.last_modified_by_quid,
                                  sync.last_modified_by, sync.last_modified_time, record.isEditing != 0,
-                                 record.downloadRequested != 0);
+                                 record.choices.Has(UserChoice::downloadRequested));
     case OverlayState::RenameMove:
       // A rename names the old and new file names, a move the old and new
       // places; a moved parent folder means the file must be closed first.
@@ -121,91 +116,66 @@ HWND BuildPanelFor(OverlayState state, const FileStatusRecord& record, const Ove
   }
 }
 
-// The user's pending choices go when a panel state is drawn, except a
-// download press whose download is still running: it holds, with the
-// separate-copy choice made with it, until the download finished or failed.
-void ForgetChoicesOnTheWay(OverlayState state, FileStatusRecord& record) {
-  const bool keepPress = state == OverlayState::Download && KeepsDownloadPress(FactsOf(record));
-  const std::uint32_t saveSeparateCopy = record.saveSeparateCopy;
+void ResetChoices(ChoiceReset reset, FileStatusRecord& record) {
+  if (reset == ChoiceReset::Keep) return;
+  const bool saveSeparateCopy = record.choices.Has(UserChoice::saveSeparateCopy);
   ResetUserActionFlags(record);
-  if (!keepPress) return;
-  record.downloadRequested = 1;
-  record.saveSeparateCopy = saveSeparateCopy;
+  if (reset != ChoiceReset::ClearKeepingDownloadPress) return;
+  record.choices.Set(UserChoice::downloadRequested);
+  record.choices.Set(UserChoice::saveSeparateCopy, saveSeparateCopy);
 }
 
-// DELETE, CONFLICT, DOWNLOAD, RENAME/MOVE, EDITING, VIEWING ONLY and SAFE TO
-// EDIT: the badge in the kind's picture and the state's panel.
-void ShowPanelState(OverlayState state, const std::wstring& path, FileStatusRecord& record, OverlayWindowState& w,
-                    bool panelWasVisible) {
-  const OverlayKind kind = *KindShownBy(state);
-  const OverlayKind kindBefore = KindOf(w);
-  const bool safeToEdit = state == OverlayState::SafeToEdit;
-  // A file that has never shown anything gets no safe-to-edit notice.
-  if (safeToEdit && kindBefore == OverlayKind::None) {
-    record.overlayUpToDate = 1;
-    return;
+// A badge or strip of the plan's sort, at the badge's place; null on
+// failure (logged by the builder).
+HWND BuildBadge(BadgeBuild build, OverlayKind kind, const FileStatusRecord& record, OverlayWindowState& w) {
+  switch (build) {
+    case BadgeBuild::Main:
+      return CreateMainOverlay(record.hostWindow, w.posX, w.posY, &w);
+    case BadgeBuild::LoadingStrip:
+      // The drive sits on the strip's own colour, not on the badge's key.
+      return CreateLoadingOverlay(record.hostWindow, SharedImage(BadgeImageFile(kind), kLoadingStripBlue), w.posX,
+                                  w.posY, &w);
+    case BadgeBuild::NoInternetStrip:
+      return CreateNoInternetOverlay(record.hostWindow, SharedImage(BadgeImageFile(kind), kPanelWhite), w.posX,
+                                     w.posY, &w);
+    default:
+      return nullptr;
   }
-  ForgetChoicesOnTheWay(state, record);
-  // A change of the unsaved state alone never rebuilds these panels.
-  if (record.overlayUpToDate) return;
-  DestroyPanel(w);
-  if (w.badgeWindow && kindBefore != kind) DestroyBadge(w);
-  bool badgeIsNew = false;
-  if (w.badgeWindow == nullptr) {
-    w.badgeWindow = CreateMainOverlay(record.hostWindow, w.posX, w.posY, &w);
-    badgeIsNew = w.badgeWindow != nullptr;
-  }
-  if (w.badgeWindow == nullptr && !safeToEdit) {
-    SetKind(w, kind);
-    record.overlayUpToDate = 1;
-    return;
-  }
-  if (w.badgeWindow && (badgeIsNew || kindBefore != kind)) {
+}
+
+// Carries out what the plan says, in its order: the choices, the windows
+// taken down, the badge built (a main badge gets its picture), the log
+// line, the panel, then the kind and the drawn mark.
+void CarryOut(const TickPlan& plan, OverlayState state, const std::wstring& path, FileStatusRecord& record,
+              OverlayWindowState& w) {
+  ResetChoices(plan.choices, record);
+  if (plan.clearSkipNextUpdate) record.choices.Set(UserChoice::skipNextUpdate, false);
+  if (plan.destroyPanel) DestroyPanel(w);
+  if (plan.destroyBadge) DestroyBadge(w);
+  bool badgeBuilt = false;
+  if (plan.buildBadge != BadgeBuild::None && w.badgeWindow == nullptr) {
+    const OverlayKind kind = plan.newKind.value_or(OverlayKind::None);
+    if (plan.buildBadge != BadgeBuild::Main) WriteLog(LogLevel::Info, plan.logTag + path);
+    w.badgeWindow = BuildBadge(plan.buildBadge, kind, record, w);
+    badgeBuilt = w.badgeWindow != nullptr;
     // A new badge is transparent until its picture is laid onto it.
-    ApplyLayering(w.badgeWindow, SharedImage(BadgeImageFile(kind)), kOverlayColourKey);
-  }
-  WriteLog(LogLevel::Info, StateLogTag(state) + path);
-  if (w.badgeWindow) {
-    w.subOverlayWindow = BuildPanelFor(state, record, w);
-    if (w.subOverlayWindow && ShowPanelOnBuild(state, kindBefore, panelWasVisible)) {
-      ShowWindow(w.subOverlayWindow, SW_SHOWNA);
+    if (badgeBuilt && plan.buildBadge == BadgeBuild::Main) {
+      ApplyLayering(w.badgeWindow, SharedImage(BadgeImageFile(kind)), kOverlayColourKey);
     }
   }
-  SetKind(w, kind);
-  if (!safeToEdit) {
-    record.overlayUpToDate = 1;
-    return;
+  if (plan.buildBadge == BadgeBuild::Main && plan.logTag && (w.badgeWindow || plan.logWithoutBadge)) {
+    WriteLog(LogLevel::Info, plan.logTag + path);
   }
-  // The notice is shown on one tick, rebuilt and hidden on the next; the
-  // badge then stays hidden until the state changes.
-  if (kindBefore == OverlayKind::SafeToEdit) {
+  if (plan.buildPanel && w.badgeWindow) {
+    w.subOverlayWindow = BuildPanelFor(state, record, w);
+    if (w.subOverlayWindow && plan.showPanel) ShowWindow(w.subOverlayWindow, SW_SHOWNA);
+  }
+  if (plan.newKind) SetKind(w, *plan.newKind);
+  if (plan.hideBoth) {
     Hide(w.subOverlayWindow);
     Hide(w.badgeWindow);
-    record.overlayUpToDate = 1;
   }
-}
-
-// LOADING and NO INTERNET: a strip instead of the badge, no panel.
-void ShowStatusStrip(OverlayKind kind, const std::wstring& path, FileStatusRecord& record, OverlayWindowState& w) {
-  ResetUserActionFlags(record);
-  if (record.overlayUpToDate) return;
-  if (kind == OverlayKind::Loading && !LoadingWorthShowing(FactsOf(record), KindOf(w))) {
-    record.overlayUpToDate = 1;
-    return;
-  }
-  DestroyPanel(w);
-  if (w.badgeWindow && KindOf(w) != kind) DestroyBadge(w);
-  if (w.badgeWindow == nullptr) {
-    const bool loading = kind == OverlayKind::Loading;
-    WriteLog(LogLevel::Info, (loading ? L"loading: " : L"no internet: ") + path);
-    // The drive sits on the strip's own colour, not on the badge's key.
-    HBITMAP drive = SharedImage(BadgeImageFile(kind), loading ? kLoadingStripBlue : kPanelWhite);
-    w.badgeWindow = loading ? CreateLoadingOverlay(record.hostWindow, drive, w.posX, w.posY, &w)
-                                 : CreateNoInternetOverlay(record.hostWindow, drive, w.posX, w.posY, &w);
-    w.subOverlayWindow = nullptr;
-  }
-  SetKind(w, kind);
-  record.overlayUpToDate = 1;
+  if (plan.markUpToDate) record.overlayUpToDate = 1;
 }
 
 // Which confirmation a confirm state asks for: its situation and its kind.
@@ -256,15 +226,15 @@ void RebuildConfirmation(const FileStatusRecord& record, OverlayWindowState& w, 
 
 // CONFLICT CONFIRM and RENAME/MOVE CONFIRM keep their question in step with
 // the unsaved state: with changes it asks whether to save them.
-void KeepAskingInStep(std::uint32_t& askShown, OverlayKind kind, FileStatusRecord& record, OverlayWindowState& w,
+void KeepAskingInStep(UserChoice askShown, OverlayKind kind, FileStatusRecord& record, OverlayWindowState& w,
                       bool panelWasVisible,
                       bool conflict) {
   const bool editing = record.isEditing != 0;
   const Confirmation c{kind, conflict, false, !conflict && record.sync.is_rename_present,
                        !conflict && record.sync.is_move_present};
-  if ((askShown != 0) == editing && IsOnScreen(w, c, editing)) return;
+  if (record.choices.Has(askShown) == editing && IsOnScreen(w, c, editing)) return;
   RebuildConfirmation(record, w, c, panelWasVisible, editing);
-  askShown = editing ? 1 : 0;
+  record.choices.Set(askShown, editing);
 }
 
 // RELOAD CONFIRM: without changes "Reload"; with them the question whether
@@ -273,54 +243,44 @@ void KeepReloadConfirmationInStep(FileStatusRecord& record, OverlayWindowState& 
   const Confirmation c{OverlayKind::Download, false, true, false, false};
   // The form on screen: asking whenever the last build or the user's
   // "Reload" asked about the changes.
-  const bool onScreen = IsOnScreen(w, c, record.reloadPromptAskSave != 0);
+  const bool onScreen = IsOnScreen(w, c, record.choices.Has(UserChoice::reloadPromptAskSave));
   if (!record.isEditing) {
-    if (record.reloadPromptPlain && onScreen) return;
+    if (record.choices.Has(UserChoice::reloadPromptPlain) && onScreen) return;
     RebuildConfirmation(record, w, c, panelWasVisible, false);
-    record.reloadPromptPlain = 1;
-    record.reloadPromptAskSave = 0;
+    record.choices.Set(UserChoice::reloadPromptPlain);
+    record.choices.Set(UserChoice::reloadPromptAskSave, false);
     return;
   }
-  const bool keepsCopy = record.saveSeparateCopy != 0;
-  if (onScreen && ((keepsCopy && record.reloadPromptPlain) || (!keepsCopy && record.reloadPromptAskSave))) return;
-  record.reloadPromptPlain = keepsCopy ? 1 : 0;
-  record.reloadPromptAskSave = keepsCopy ? 0 : 1;
+  const bool keepsCopy = record.choices.Has(UserChoice::saveSeparateCopy);
+  if (onScreen && ((keepsCopy && record.choices.Has(UserChoice::reloadPromptPlain)) || (!keepsCopy && record.choices.Has(UserChoice::reloadPromptAskSave)))) return;
+  record.choices.Set(UserChoice::reloadPromptPlain, keepsCopy);
+  record.choices.Set(UserChoice::reloadPromptAskSave, !keepsCopy);
   RebuildConfirmation(record, w, c, panelWasVisible, !keepsCopy);
 }
 
 void RunState(OverlayState state, const std::wstring& path, FileStatusRecord& record, OverlayWindowState& w,
               bool panelWasVisible) {
   switch (state) {
-    case OverlayState::NoInternet:
-      ShowStatusStrip(OverlayKind::NoInternet, path, record, w);
-      return;
-    case OverlayState::Loading:
-      ShowStatusStrip(OverlayKind::Loading, path, record, w);
-      return;
     case OverlayState::ConflictConfirm:
-      KeepAskingInStep(record.conflictAskShown, OverlayKind::Conflict, record, w, panelWasVisible, true);
+      KeepAskingInStep(UserChoice::conflictAskShown, OverlayKind::Conflict, record, w, panelWasVisible, true);
       return;
     case OverlayState::RenameMoveConfirm:
-      KeepAskingInStep(record.renameMoveAskShown, OverlayKind::DeletedOrMoved, record, w, panelWasVisible, false);
+      KeepAskingInStep(UserChoice::renameMoveAskShown, OverlayKind::DeletedOrMoved, record, w, panelWasVisible,
+                       false);
       return;
     case OverlayState::ReloadConfirm:
       WriteLog(LogLevel::Debug, L"downloaded: " + path);
       WriteLog(LogLevel::Debug, L"can download: " + path);
       KeepReloadConfirmationInStep(record, w, panelWasVisible);
       return;
-    case OverlayState::SkipDownloadTick:
-    case OverlayState::SkipRenameMoveTick:
-      // An error panel is up: it stays for this tick.
-      record.skipNextUpdate = 0;
-      return;
     case OverlayState::Download:
       if (record.sync.downloadState == kDownloaded) WriteLog(LogLevel::Debug, L"downloaded: " + path);
-      ShowPanelState(state, path, record, w, panelWasVisible);
-      return;
+      break;
     default:
-      ShowPanelState(state, path, record, w, panelWasVisible);
-      return;
+      break;
   }
+  const OnScreen screen{KindOf(w), w.badgeWindow != nullptr, panelWasVisible, record.overlayUpToDate != 0};
+  CarryOut(PlanTick(state, FactsOf(record), screen), state, path, record, w);
 }
 
 void HideBoth(const std::wstring& path, OverlayWindowState& w) {
@@ -336,7 +296,7 @@ void UpdateRecordOverlays(const RecordPass& pass, FileStatusRecord& record, Over
     return;
   }
   if (record.sync.is_sync_file && w.badgeWindow == nullptr) record.overlayUpToDate = 0;
-  if (record.uiHide) {
+  if (record.choices.Has(UserChoice::uiHide)) {
     Clear(record, w);
     return;
   }

@@ -8,6 +8,7 @@
 #include "common/gdi_guards.h"
 #include "common/module_activation_context.h"
 #include "common/module_instance.h"
+#include "common/unique_window.h"
 #include "log/exception_barrier.h"
 #include "log/log_last_error.h"
 #include "log/write_log.h"
@@ -28,25 +29,6 @@ Rect ToRect(const RECT& r) { return {r.left, r.top, r.right, r.bottom}; }
 bool NeedsModuleActivation(const wchar_t* className) {
   return lstrcmpiW(className, kSysLinkClass) == 0 || lstrcmpiW(className, kProgressBarClass) == 0;
 }
-
-// A window that is destroyed unless the build gets to the end: a panel
-// that failed half-way is of no use to anyone and must not linger hidden.
-class PartialWindow {
- public:
-  ~PartialWindow() {
-    if (window_) DestroyWindow(window_);
-  }
-  void reset(HWND window) { window_ = window; }
-  HWND get() const { return window_; }
-  HWND release() {
-    HWND window = window_;
-    window_ = nullptr;
-    return window;
-  }
-
- private:
-  HWND window_ = nullptr;
-};
 
 // The bitmap an image step shows and whether the panel owns it.
 struct StepImage {
@@ -166,10 +148,11 @@ HWND Build(const PanelLayout& layout, HWND officeWindow, HWND badgeWindow, Point
 
   // A panel belongs to the file of the badge it opens from.
   if (state == nullptr && againstBadge) state = WindowStateOf(badgeWindow);
-  PartialWindow window;
-  window.reset(CreateWindowExW(layout.exStyle, layout.className, nullptr, layout.style, place.x, place.y, layout.width,
-                               layout.createHeight, againstBadge ? badgeWindow : officeWindow, nullptr,
-                               ModuleInstance(), state));
+  // Destroyed unless the build gets to the end: a panel that failed
+  // half-way is of no use to anyone and must not linger hidden.
+  UniqueWindow window(CreateWindowExW(layout.exStyle, layout.className, nullptr, layout.style, place.x, place.y,
+                                      layout.width, layout.createHeight, againstBadge ? badgeWindow : officeWindow,
+                                      nullptr, ModuleInstance(), state));
   if (window.get() == nullptr) {
     LogLastErrorText(layout.windowFailureText);
     return nullptr;

@@ -23,18 +23,19 @@ void HandActivationBackFrom(HWND window) {
   if (office != nullptr && office != window) SetActiveWindow(office);
 }
 
-void HideAndDestroy(HWND& window) {
+}  // namespace
+
+void DestroyOverlayWindow(HWND& window) {
   if (window == nullptr) return;
   HandActivationBackFrom(window);
   ShowWindow(window, SW_HIDE);
   DestroyWindow(window);
   window = nullptr;
 }
-}  // namespace
 
 void DestroyOverlayWindows(HWND& panel, HWND& badge) {
-  HideAndDestroy(panel);
-  HideAndDestroy(badge);
+  DestroyOverlayWindow(panel);
+  DestroyOverlayWindow(badge);
 }
 
 void DestroyRecordOverlays(const std::wstring& path) {

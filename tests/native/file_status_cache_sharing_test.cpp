@@ -61,10 +61,10 @@ TEST_F(SharedCache, AnAnswerKeepsAnUnsavedStateTheUiThreadStoredWhileTheAnswerWa
 
 TEST_F(SharedCache, AnAnswerKeepsAUserChoiceMadeWhileTheAnswerWasApplied) {
   SetCapturedLogObserver([&](const CapturedLine& line) {
-    if (line.message == L"6") cache.Change(kPath, [](FileStatusRecord& r) { r.retryModify = 1; });
+    if (line.message == L"6") cache.Change(kPath, [](FileStatusRecord& r) { r.choices.Set(UserChoice::retryModify); });
   });
   cache.UpdateFile(kPath, SyncedAnswer(kPath, L"k3"));
-  EXPECT_EQ(cache.Find(kPath)->retryModify, 1u);
+  EXPECT_TRUE(cache.Find(kPath)->choices.Has(UserChoice::retryModify));
   EXPECT_NE(cache.BuildRequest(L"", 0).find(L"\"retryModify\":true"), std::wstring::npos);
 }
 
@@ -84,32 +84,32 @@ TEST_F(SharedCache, StoringUiChangesWritesOnlyTheFieldsTheCopyChanged) {
   FileStatusRecord after = before;
   after.isEditing = 1;
   after.seenStamp = L"tick 7";
-  after.reloadPromptPlain = 1;
+  after.choices.Set(UserChoice::reloadPromptPlain);
   // Meanwhile a window procedure stored a choice and an answer arrived.
-  cache.Change(kPath, [](FileStatusRecord& r) { r.downloadRequested = 1; });
+  cache.Change(kPath, [](FileStatusRecord& r) { r.choices.Set(UserChoice::downloadRequested); });
   cache.UpdateFile(kPath, SyncedAnswer(kPath, L"k3"));
 
   ASSERT_TRUE(cache.StoreUiChanges(kPath, before, after));
   const FileStatusRecord stored = *cache.Find(kPath);
   EXPECT_EQ(stored.isEditing, 1u);
   EXPECT_EQ(stored.seenStamp, L"tick 7");
-  EXPECT_EQ(stored.reloadPromptPlain, 1u);
-  EXPECT_EQ(stored.downloadRequested, 1u);
+  EXPECT_TRUE(stored.choices.Has(UserChoice::reloadPromptPlain));
+  EXPECT_TRUE(stored.choices.Has(UserChoice::downloadRequested));
   EXPECT_EQ(stored.sync.file_combo_id, L"k3");
 }
 
 TEST_F(SharedCache, StoringUiChangesClearsAFieldTheCopyCleared) {
   cache.Change(kPath, [](FileStatusRecord& r) {
-    r.skipNextUpdate = 1;
-    r.uiHide = 1;
+    r.choices.Set(UserChoice::skipNextUpdate);
+    r.choices.Set(UserChoice::uiHide);
   });
   const FileStatusRecord before = *cache.Find(kPath);
   FileStatusRecord after = before;
-  after.skipNextUpdate = 0;
-  after.uiHide = 0;
+  after.choices.Set(UserChoice::skipNextUpdate, false);
+  after.choices.Set(UserChoice::uiHide, false);
   ASSERT_TRUE(cache.StoreUiChanges(kPath, before, after));
-  EXPECT_EQ(cache.Find(kPath)->skipNextUpdate, 0u);
-  EXPECT_EQ(cache.Find(kPath)->uiHide, 0u);
+  EXPECT_FALSE(cache.Find(kPath)->choices.Has(UserChoice::skipNextUpdate));
+  EXPECT_FALSE(cache.Find(kPath)->choices.Has(UserChoice::uiHide));
 }
 
 TEST_F(SharedCache, ADrawingOfAnOlderReportDoesNotMarkTheRecordUpToDate) {
@@ -138,7 +138,7 @@ TEST_F(SharedCache, StoringChangesOfARecordThatIsGoneDoesNotBringItBack) {
   after.isEditing = 1;
   cache.RemoveFile(kPath);
   EXPECT_FALSE(cache.StoreUiChanges(kPath, before, after));
-  EXPECT_FALSE(cache.Change(kPath, [](FileStatusRecord& r) { r.uiHide = 1; }));
+  EXPECT_FALSE(cache.Change(kPath, [](FileStatusRecord& r) { r.choices.Set(UserChoice::uiHide); }));
   EXPECT_FALSE(cache.Contains(kPath));
 }
 
@@ -222,24 +222,24 @@ TEST(SharedCacheStress, AnswersAndUiWorkNeverLoseAUiFieldNorBringBackARemovedRec
         for (const auto& entry : entries) {
           working.push_back(entry.record);
           working.back().isEditing = static_cast<std::uint32_t>(step % 2);
-          working.back().skipNextUpdate = 1;
+          working.back().choices.Set(UserChoice::skipNextUpdate);
           changes.push_back({&entry.path, &entry.record, &working.back()});
         }
         cache.StoreUiChangesOfAll(changes);
         const std::optional<FileStatusRecord> stored = cache.Find(path);
         if (stored && (stored->seenStamp != stamp || stored->isEditing != static_cast<std::uint32_t>(step % 2) ||
-                       stored->skipNextUpdate != 1)) {
+                       stored->choices.Has(UserChoice::skipNextUpdate) != 1)) {
           ++lostFields;
         }
         break;
       }
       case 1: {  // a click: flags set in place
         cache.Change(path, [&](FileStatusRecord& r) {
-          r.uiHide = step % 2;
-          r.retryModify = 1;
+          r.choices.Set(UserChoice::uiHide, step % 2);
+          r.choices.Set(UserChoice::retryModify);
         });
         const std::optional<FileStatusRecord> stored = cache.Find(path);
-        if (stored && (stored->uiHide != static_cast<std::uint32_t>(step % 2) || stored->retryModify != 1)) {
+        if (stored && (stored->choices.Has(UserChoice::uiHide) != static_cast<std::uint32_t>(step % 2) || stored->choices.Has(UserChoice::retryModify) != 1)) {
           ++lostFields;
         }
         break;
@@ -247,9 +247,9 @@ TEST(SharedCacheStress, AnswersAndUiWorkNeverLoseAUiFieldNorBringBackARemovedRec
       case 2:  // the choices cleared as a panel state is drawn
         cache.Change(path, [](FileStatusRecord& r) {
           ResetUserActionFlags(r);
-          r.skipNextUpdate = 0;
+          r.choices.Set(UserChoice::skipNextUpdate, false);
         });
-        if (const auto stored = cache.Find(path); stored && (stored->retryModify || stored->skipNextUpdate)) {
+        if (const auto stored = cache.Find(path); stored && (stored->choices.Has(UserChoice::retryModify) || stored->choices.Has(UserChoice::skipNextUpdate))) {
           ++lostFields;
         }
         break;
@@ -302,7 +302,7 @@ TEST_F(SharedCache, TheTicksWriteBackTakesTheLockOnceAndPassesARecordThatIsGone)
   ASSERT_EQ(entries.size(), 2u);
   std::vector<FileStatusRecord> working{entries[0].record, entries[1].record};
   working[0].isEditing = 1;
-  working[1].skipNextUpdate = 1;
+  working[1].choices.Set(UserChoice::skipNextUpdate);
   working[1].overlayUpToDate = 1;
   cache.RemoveFile(other);
   const std::uint64_t before = RecordLock::Acquisitions();
@@ -310,6 +310,6 @@ TEST_F(SharedCache, TheTicksWriteBackTakesTheLockOnceAndPassesARecordThatIsGone)
                              {&entries[1].path, &entries[1].record, &working[1]}});
   EXPECT_EQ(RecordLock::Acquisitions() - before, 1u);
   EXPECT_FALSE(cache.Contains(other));
-  EXPECT_EQ(cache.Find(kPath)->skipNextUpdate, 1u);
+  EXPECT_TRUE(cache.Find(kPath)->choices.Has(UserChoice::skipNextUpdate));
   EXPECT_EQ(cache.Find(kPath)->overlayUpToDate, 1u);
 }

@@ -42,8 +42,8 @@ TEST_F(CacheRemoveAll, SendsOneLastRequestForEveryFileInKeyOrderWithoutUiHide) {
   cache.AddFile(L"C:\\Users\\ann\\Filewell\\a.xlsx", nullptr, 0, nullptr);
   cache.Change(L"C:\\Users\\ann\\Filewell\\b.xlsx", [](FileStatusRecord& b) {
     b.sync.file_combo_id = L"k3v9x";
-    b.retryModify = 1;
-    b.uiHide = 1;
+    b.choices.Set(UserChoice::retryModify);
+    b.choices.Set(UserChoice::uiHide);
   });
   StartSyncSim();
 

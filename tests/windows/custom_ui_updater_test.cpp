@@ -243,7 +243,7 @@ TEST_F(CustomUiTick, TheConflictConfirmationIsNotTurnedBackIntoTheConflictPanel)
   // "Resolve conflict" pressed on a document without unsaved changes.
   HWND confirmation =
       PutPanel(path, CreateConfirmLeavePanel(host_.mainWindow(), BadgeOf(path), false, true, false, false, false));
-  host_.ChangeRecord(path, [](FileStatusRecord& record) { record.resolveConflictClicked = 1; });
+  host_.ChangeRecord(path, [](FileStatusRecord& record) { record.choices.Set(UserChoice::resolveConflictClicked); });
   AnswerFields newer = QuietAnswer();
   newer.is_conflict_present = 1;
   newer.last_modified_by = L"Bo Park";
@@ -255,8 +255,8 @@ TEST_F(CustomUiTick, TheConflictConfirmationIsNotTurnedBackIntoTheConflictPanel)
   EXPECT_TRUE(HasChildText(confirmation, kConflictContinue));
   const FileStatusRecord record = host_.Record(path);
   const OverlayWindowState recordWindows = WindowsOf(path);
-  EXPECT_EQ(record.resolveConflictClicked, 1u);
-  EXPECT_EQ(record.conflictAskShown, 0u);
+  EXPECT_TRUE(record.choices.Has(UserChoice::resolveConflictClicked));
+  EXPECT_FALSE(record.choices.Has(UserChoice::conflictAskShown));
   EXPECT_EQ(recordWindows.overlayKind, 6);
   EXPECT_TRUE(InfoMessages().empty());
 }
@@ -268,7 +268,7 @@ TEST_F(CustomUiTick, TheConflictConfirmationAsksToSaveOnceTheDocumentHoldsChange
     return answer;
   }());
   PutPanel(path, CreateConfirmLeavePanel(host_.mainWindow(), BadgeOf(path), false, true, false, false, false));
-  host_.ChangeRecord(path, [](FileStatusRecord& record) { record.resolveConflictClicked = 1; });
+  host_.ChangeRecord(path, [](FileStatusRecord& record) { record.choices.Set(UserChoice::resolveConflictClicked); });
 
   Document(path)->MarkEdited();
   Tick();
@@ -276,7 +276,7 @@ TEST_F(CustomUiTick, TheConflictConfirmationAsksToSaveOnceTheDocumentHoldsChange
   EXPECT_TRUE(HasChildText(asking, kConflictAskSave));
   EXPECT_TRUE(HasChildText(asking, L"Save & Continue"));
   EXPECT_TRUE(IsWindowVisible(asking));
-  EXPECT_EQ(host_.Record(path).conflictAskShown, 1u);
+  EXPECT_TRUE(host_.Record(path).choices.Has(UserChoice::conflictAskShown));
   EXPECT_EQ(host_.Record(path).isEditing, 1u);
 
   ASSERT_TRUE(Document(path)->Save());
@@ -284,7 +284,7 @@ TEST_F(CustomUiTick, TheConflictConfirmationAsksToSaveOnceTheDocumentHoldsChange
   EXPECT_FALSE(IsWindow(asking));
   EXPECT_TRUE(HasChildText(PanelOf(path), kConflictContinue));
   EXPECT_TRUE(IsWindowVisible(PanelOf(path)));
-  EXPECT_EQ(host_.Record(path).conflictAskShown, 0u);
+  EXPECT_FALSE(host_.Record(path).choices.Has(UserChoice::conflictAskShown));
   EXPECT_EQ(WindowsOf(path).overlayKind, 6);
 }
 
@@ -296,7 +296,7 @@ TEST_F(CustomUiTick, AConfirmationTheUserClosedIsReformedButStaysClosed) {
   }());
   HWND closed =
       PutPanel(path, CreateConfirmLeavePanel(host_.mainWindow(), BadgeOf(path), false, true, false, false, false));
-  host_.ChangeRecord(path, [](FileStatusRecord& record) { record.resolveConflictClicked = 1; });
+  host_.ChangeRecord(path, [](FileStatusRecord& record) { record.choices.Set(UserChoice::resolveConflictClicked); });
   ShowWindow(closed, SW_HIDE);
   Document(path)->MarkEdited();
   Tick();
@@ -312,7 +312,7 @@ TEST_F(CustomUiTick, DownloadRequestedOnADownloadedFileShowsTheReloadConfirmatio
   }());
   // What the download button leaves for the tick.
   host_.ChangeRecord(path, [](FileStatusRecord& record) {
-    record.downloadRequested = 1;
+    record.choices.Set(UserChoice::downloadRequested);
     record.overlayUpToDate = 0;
   });
   host_.ClearLog();
@@ -323,9 +323,9 @@ TEST_F(CustomUiTick, DownloadRequestedOnADownloadedFileShowsTheReloadConfirmatio
   const FileStatusRecord record = host_.Record(path);
   const OverlayWindowState recordWindows = WindowsOf(path);
   EXPECT_EQ(recordWindows.overlayKind, 7);
-  EXPECT_EQ(record.downloadRequested, 1u);
-  EXPECT_EQ(record.reloadPromptPlain, 1u);
-  EXPECT_EQ(record.reloadPromptAskSave, 0u);
+  EXPECT_TRUE(record.choices.Has(UserChoice::downloadRequested));
+  EXPECT_TRUE(record.choices.Has(UserChoice::reloadPromptPlain));
+  EXPECT_FALSE(record.choices.Has(UserChoice::reloadPromptAskSave));
   EXPECT_TRUE(InfoMessages().empty());
 }
 
@@ -336,7 +336,7 @@ TEST_F(CustomUiTick, TheReloadConfirmationAsksAboutASeparateCopyOnceTheDocumentH
     return answer;
   }());
   host_.ChangeRecord(path, [](FileStatusRecord& record) {
-    record.downloadRequested = 1;
+    record.choices.Set(UserChoice::downloadRequested);
     record.overlayUpToDate = 0;
   });
   Tick();
@@ -345,8 +345,8 @@ TEST_F(CustomUiTick, TheReloadConfirmationAsksAboutASeparateCopyOnceTheDocumentH
   EXPECT_TRUE(HasChildText(PanelOf(path), kReloadAskSave));
   EXPECT_TRUE(HasChildText(PanelOf(path), L"Save a copy & Reload"));
   EXPECT_TRUE(IsWindowVisible(PanelOf(path)));
-  EXPECT_EQ(host_.Record(path).reloadPromptPlain, 0u);
-  EXPECT_EQ(host_.Record(path).reloadPromptAskSave, 1u);
+  EXPECT_FALSE(host_.Record(path).choices.Has(UserChoice::reloadPromptPlain));
+  EXPECT_TRUE(host_.Record(path).choices.Has(UserChoice::reloadPromptAskSave));
 }
 
 TEST_F(CustomUiTick, AUserWhoKeepsASeparateCopyIsNotAskedAboutSavingBeforeTheReload) {
@@ -359,14 +359,14 @@ TEST_F(CustomUiTick, AUserWhoKeepsASeparateCopyIsNotAskedAboutSavingBeforeTheRel
   Tick();
   // The download button pressed with "save my changes as a separate copy" ticked.
   host_.ChangeRecord(path, [](FileStatusRecord& record) {
-    record.downloadRequested = 1;
-    record.saveSeparateCopy = 1;
+    record.choices.Set(UserChoice::downloadRequested);
+    record.choices.Set(UserChoice::saveSeparateCopy);
     record.overlayUpToDate = 0;
   });
   Tick();
   EXPECT_TRUE(HasChildText(PanelOf(path), kReloadPlain));
-  EXPECT_EQ(host_.Record(path).reloadPromptPlain, 1u);
-  EXPECT_EQ(host_.Record(path).reloadPromptAskSave, 0u);
+  EXPECT_TRUE(host_.Record(path).choices.Has(UserChoice::reloadPromptPlain));
+  EXPECT_FALSE(host_.Record(path).choices.Has(UserChoice::reloadPromptAskSave));
 }
 
 TEST_F(CustomUiTick, TheTickAfterAnErrorPanelOfADownloadLeavesThePanelAndOnlyClearsSkipNextUpdate) {
@@ -378,8 +378,8 @@ TEST_F(CustomUiTick, TheTickAfterAnErrorPanelOfADownloadLeavesThePanelAndOnlyCle
   // A separate copy that could not be saved: the error panel is up.
   HWND error = PutPanel(path, CreateErrorMessagePanel(host_.mainWindow(), BadgeOf(path), false));
   host_.ChangeRecord(path, [](FileStatusRecord& record) {
-    record.downloadRequested = 1;
-    record.skipNextUpdate = 1;
+    record.choices.Set(UserChoice::downloadRequested);
+    record.choices.Set(UserChoice::skipNextUpdate);
     record.overlayUpToDate = 0;
   });
   host_.ClearLog();
@@ -388,9 +388,9 @@ TEST_F(CustomUiTick, TheTickAfterAnErrorPanelOfADownloadLeavesThePanelAndOnlyCle
   EXPECT_TRUE(IsWindowVisible(error));
   const FileStatusRecord record = host_.Record(path);
   const OverlayWindowState recordWindows = WindowsOf(path);
-  EXPECT_EQ(record.skipNextUpdate, 0u);
-  EXPECT_EQ(record.downloadRequested, 1u);
-  EXPECT_EQ(record.reloadPromptPlain, 0u);
+  EXPECT_FALSE(record.choices.Has(UserChoice::skipNextUpdate));
+  EXPECT_TRUE(record.choices.Has(UserChoice::downloadRequested));
+  EXPECT_FALSE(record.choices.Has(UserChoice::reloadPromptPlain));
   EXPECT_EQ(recordWindows.overlayKind, 7);
   EXPECT_TRUE(InfoMessages().empty());
 }
@@ -404,8 +404,8 @@ TEST_F(CustomUiTick, TheTickAfterAnErrorPanelOfARenameLeavesThePanelAndOnlyClear
   // Saving before the rename failed on a read-only file.
   HWND error = PutPanel(path, CreateErrorMessagePanel(host_.mainWindow(), BadgeOf(path), true));
   host_.ChangeRecord(path, [](FileStatusRecord& record) {
-    record.renameMoveClicked = 1;
-    record.skipNextUpdate = 1;
+    record.choices.Set(UserChoice::renameMoveClicked);
+    record.choices.Set(UserChoice::skipNextUpdate);
     record.overlayUpToDate = 0;
   });
   host_.ClearLog();
@@ -414,8 +414,8 @@ TEST_F(CustomUiTick, TheTickAfterAnErrorPanelOfARenameLeavesThePanelAndOnlyClear
   EXPECT_TRUE(IsWindowVisible(error));
   const FileStatusRecord record = host_.Record(path);
   const OverlayWindowState recordWindows = WindowsOf(path);
-  EXPECT_EQ(record.skipNextUpdate, 0u);
-  EXPECT_EQ(record.renameMoveClicked, 1u);
+  EXPECT_FALSE(record.choices.Has(UserChoice::skipNextUpdate));
+  EXPECT_TRUE(record.choices.Has(UserChoice::renameMoveClicked));
   EXPECT_EQ(recordWindows.overlayKind, 5);
   EXPECT_TRUE(InfoMessages().empty());
 }
@@ -428,20 +428,20 @@ TEST_F(CustomUiTick, TheRenameConfirmationAsksToSaveOnceTheDocumentHoldsChangesA
   }());
   // "Reload" pressed on the rename panel of a document without changes.
   PutPanel(path, CreateConfirmLeavePanel(host_.mainWindow(), BadgeOf(path), false, false, false, true, false));
-  host_.ChangeRecord(path, [](FileStatusRecord& record) { record.renameMoveClicked = 1; });
+  host_.ChangeRecord(path, [](FileStatusRecord& record) { record.choices.Set(UserChoice::renameMoveClicked); });
 
   Document(path)->MarkEdited();
   Tick();
   EXPECT_TRUE(HasChildText(PanelOf(path), kRenameAskSave));
   EXPECT_TRUE(IsWindowVisible(PanelOf(path)));
-  EXPECT_EQ(host_.Record(path).renameMoveAskShown, 1u);
+  EXPECT_TRUE(host_.Record(path).choices.Has(UserChoice::renameMoveAskShown));
 
   ASSERT_TRUE(Document(path)->Save());
   Tick();
   EXPECT_TRUE(HasChildText(PanelOf(path), kRenameContinue));
   EXPECT_TRUE(IsWindowVisible(PanelOf(path)));
-  EXPECT_EQ(host_.Record(path).renameMoveAskShown, 0u);
-  EXPECT_EQ(host_.Record(path).renameMoveClicked, 1u);
+  EXPECT_FALSE(host_.Record(path).choices.Has(UserChoice::renameMoveAskShown));
+  EXPECT_TRUE(host_.Record(path).choices.Has(UserChoice::renameMoveClicked));
   EXPECT_EQ(WindowsOf(path).overlayKind, 5);
 }
 
@@ -519,7 +519,7 @@ TEST_F(CustomUiTick, WithoutDataFromTheSyncAppEveryRecordsWindowsAreDestroyedOnE
   const OverlayWindowState firstShown = WindowsOf(first);
   const std::wstring second = ShowAfterOneTick(L"second", ViewedAnswer());
   const OverlayWindowState secondShown = WindowsOf(second);
-  host_.ChangeRecord(first, [](FileStatusRecord& record) { record.downloadRequested = 1; });
+  host_.ChangeRecord(first, [](FileStatusRecord& record) { record.choices.Set(UserChoice::downloadRequested); });
   TheFileStatusCache().syncAppHasData = false;
   for (int tick = 0; tick < 2; ++tick) {
     Tick();
@@ -530,7 +530,7 @@ TEST_F(CustomUiTick, WithoutDataFromTheSyncAppEveryRecordsWindowsAreDestroyedOnE
   EXPECT_FALSE(IsWindow(firstShown.subOverlayWindow));
   EXPECT_FALSE(IsWindow(secondShown.badgeWindow));
   EXPECT_FALSE(IsWindow(secondShown.subOverlayWindow));
-  EXPECT_EQ(host_.Record(first).downloadRequested, 0u);
+  EXPECT_FALSE(host_.Record(first).choices.Has(UserChoice::downloadRequested));
 }
 
 TEST_F(CustomUiTick, TheBadgeComesBackOnceTheSyncAppHasDataAgain) {
@@ -545,7 +545,7 @@ TEST_F(CustomUiTick, TheBadgeComesBackOnceTheSyncAppHasDataAgain) {
 TEST_F(CustomUiTick, AHiddenFilesWindowsStayDestroyed) {
   const std::wstring path = ShowAfterOneTick(L"viewed", ViewedAnswer());
   const OverlayWindowState shown = WindowsOf(path);
-  host_.ChangeRecord(path, [](FileStatusRecord& record) { record.uiHide = 1; });
+  host_.ChangeRecord(path, [](FileStatusRecord& record) { record.choices.Set(UserChoice::uiHide); });
   Tick();
   ExpectNothingShown(path);
   EXPECT_FALSE(IsWindow(shown.badgeWindow));
@@ -556,7 +556,7 @@ TEST_F(CustomUiTick, AHiddenFilesWindowsStayDestroyed) {
   }());
   Ticks(2);
   ExpectNothingShown(path);
-  EXPECT_EQ(host_.Record(path).uiHide, 1u);
+  EXPECT_TRUE(host_.Record(path).choices.Has(UserChoice::uiHide));
 }
 
 TEST_F(CustomUiTick, AFileTheSyncAppNoLongerSyncsLosesItsWindows) {

@@ -150,9 +150,9 @@ TEST_P(FileClosing, TheAddinsOwnCloseForEachSyncActionDropsTheRecordAndItsWindow
     SimDocument* document = OpenCachedWithWindows(flag == 0 ? L"retry" : flag == 1 ? L"conflict" : L"moved");
     const std::wstring path = document->fullName();
     host_.ChangeRecord(path, [&](FileStatusRecord& record) {
-      record.retryModify = flag == 0;
-      record.resolveConflict = flag == 1;
-      record.retryRenameOrMove = flag == 2;
+      record.choices.Set(UserChoice::retryModify, flag == 0);
+      record.choices.Set(UserChoice::resolveConflict, flag == 1);
+      record.choices.Set(UserChoice::retryRenameOrMove, flag == 2);
     });
     document->MarkEdited();
     const size_t requestsBefore = syncApp_.requests().size();
@@ -197,7 +197,7 @@ TEST_P(FileClosing, TheAddinsCloseRunsTheHandlerInsideTheHostsClose) {
   SimDocument* keep = host_.Open(L"keep" + DocumentExtension(GetParam()));
   SimDocument* document = OpenCachedWithWindows(L"resync");
   const std::wstring path = document->fullName();
-  host_.ChangeRecord(path, [](FileStatusRecord& record) { record.retryModify = 1; });
+  host_.ChangeRecord(path, [](FileStatusRecord& record) { record.choices.Set(UserChoice::retryModify); });
   document->MarkEdited();
   CloseFile(ComPtr<IDispatch>(document), CloseMode::CloseWithoutSaving);
   // By the time CloseFile returns the host has closed it and the record is

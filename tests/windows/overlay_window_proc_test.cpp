@@ -281,17 +281,17 @@ class HideOption : public OverlayWindowProc {
 };
 
 TEST_F(HideOption, TakesBothWindowsAwayAtOnceAndMarksTheRecord) {
-  host_.ChangeRecord(path_, [](FileStatusRecord& record) { record.retryDelete = 1; });
+  host_.ChangeRecord(path_, [](FileStatusRecord& record) { record.choices.Set(UserChoice::retryDelete); });
   PressHide();
   EXPECT_FALSE(IsWindow(badge_));
   EXPECT_FALSE(IsWindow(panel_));
   const FileStatusRecord record = host_.Record(path_);
   const OverlayWindowState recordWindows = WindowsOf(path_);
-  EXPECT_EQ(record.uiHide, 1u);
+  EXPECT_TRUE(record.choices.Has(UserChoice::uiHide));
   EXPECT_EQ(recordWindows.overlayKind, 0);
   EXPECT_EQ(recordWindows.badgeWindow, nullptr);
   EXPECT_EQ(recordWindows.subOverlayWindow, nullptr);
-  EXPECT_EQ(record.retryDelete, 0u);
+  EXPECT_FALSE(record.choices.Has(UserChoice::retryDelete));
   EXPECT_EQ(InfoMessages(), std::vector<std::string>{"user clicked hide option: " + Narrow(path_)});
 }
 
@@ -303,7 +303,7 @@ TEST_F(HideOption, AClickOnTheHideButtonItselfTakesBothWindowsAway) {
   SendMessageW(button, BM_CLICK, 0, 0);
   EXPECT_FALSE(IsWindow(badge_));
   EXPECT_FALSE(IsWindow(panel_));
-  EXPECT_EQ(host_.Record(path_).uiHide, 1u);
+  EXPECT_TRUE(host_.Record(path_).choices.Has(UserChoice::uiHide));
 }
 
 TEST_F(HideOption, TellsTheSyncAppAtOnceWithUiHideBetweenRetryDeleteAndTheFileId) {
@@ -323,6 +323,6 @@ TEST_F(HideOption, KeepsTheBadgeAwayOnLaterTicksWhileUiHideIsSet) {
   Answer(path_, answer);
   Ticks(3);
   ExpectNothingShown(path_);
-  EXPECT_EQ(host_.Record(path_).uiHide, 1u);
+  EXPECT_TRUE(host_.Record(path_).choices.Has(UserChoice::uiHide));
 }
 }  // namespace
