@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <new>
 
+#include "addin/badge_visibility_setting.h"
 #include "addin/connection_state.h"
 #include "addin/custom_ui_timer.h"
 #include "addin/heap_corruption_handler.h"
@@ -262,6 +263,8 @@ void CConnect::StartRunningParts() {
   }
 
   InitUiToolkit();
+  // Before the first tick: the tick draws by it.
+  ReadBadgeVisibilitySetting();
 
   CustomUiTimerId = SetTimer(nullptr, 0, 4000, CustomUiTimerProc);
   if (CustomUiTimerId != 0) {

@@ -38,6 +38,12 @@ pairs=(
   word-19-renamed-save-or-discard:rename-save-or-discard
   word-20-error-read-only:error-read-only
   word-21-error-save:error-save
+  # At 150 % (144 DPI): the badge's home is 450 and 150 pixels in from the
+  # Office window's lower right, and the panel, one and a half times as
+  # large, opens below the badge.
+  word-144dpi-1-loading:loading-150-percent:500x240+600+520
+  word-144dpi-2-editing-4-members:editing-150-percent:620x960+205+570
+  word-144dpi-3-no-internet:no-internet-150-percent:500x240+600+520
 )
 for pair in "${pairs[@]}"; do
   IFS=: read -r name state crop <<< "$pair"

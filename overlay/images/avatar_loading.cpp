@@ -33,7 +33,7 @@ void LogRefusal(const std::wstring& fileName, const wchar_t* why) {
 }
 }  // namespace
 
-HBITMAP LoadAvatarBitmap(const std::wstring& fileName, COLORREF background) {
+HBITMAP LoadAvatarBitmap(const std::wstring& fileName, COLORREF background, int dpi) {
   if (const wchar_t* refusal = AvatarFileNameRefusal(fileName)) {
     LogRefusal(fileName, refusal);
     return nullptr;
@@ -48,5 +48,8 @@ HBITMAP LoadAvatarBitmap(const std::wstring& fileName, COLORREF background) {
     LogRefusal(fileName, L"not inside the avatar folder");
     return nullptr;
   }
-  return LoadImageBitmap(path, background);
+  // Above 96 DPI LoadImageBitmap may take the twin "<name>@2x" instead: it
+  // differs only by "@2x" inside the last part of this checked path, so it
+  // lies in the same folder, and it goes through the same PNG checks.
+  return LoadImageBitmap(path, background, dpi);
 }

@@ -12,4 +12,7 @@
 // Its transparent pixels become `background`, the colour of the panel it
 // sits on. Null on any refusal or failure; the caller owns the bitmap.
 // GDI+ must be running.
-HBITMAP LoadAvatarBitmap(const std::wstring& fileName, COLORREF background);
+// Drawn for `dpi` as LoadImageBitmap draws, from the double-size twin
+// ("<name>@2x", or "<name>@2x.png" for a name with that extension) when
+// the sync app has put one beside it.
+HBITMAP LoadAvatarBitmap(const std::wstring& fileName, COLORREF background, int dpi = 96);

@@ -10,6 +10,7 @@ using std::min;
 #include <gdiplus.h>
 #include <shlwapi.h>
 
+#include <memory>
 #include <vector>
 
 #include "common/com_ptr.h"
@@ -17,6 +18,7 @@ using std::min;
 #include "log/exception_barrier.h"
 #include "log/write_log.h"
 #include "overlay/images/png_header.h"
+#include "overlay/layouts/dpi_scaling.h"
 
 namespace {
 // The whole file, or nothing: a missing file then fails in GDI+ like a
@@ -34,10 +36,45 @@ std::vector<BYTE> ReadWholeFile(const std::wstring& path) {
   bytes.resize(read);
   return bytes;
 }
+
+bool FileExists(const std::wstring& path) {
+  const DWORD attributes = GetFileAttributesW(path.c_str());
+  return attributes != INVALID_FILE_ATTRIBUTES && (attributes & FILE_ATTRIBUTE_DIRECTORY) == 0;
+}
+
+// The picture redrawn at its size for this DPI: bicubic on premultiplied
+// pixels, so transparent pixels do not bleed grey into the edges, and the
+// edge pixels mirrored rather than faded. Null status on success.
+Gdiplus::Status DrawScaled(Gdiplus::Bitmap& source, bool fromDoubleSize, int dpi,
+                           std::unique_ptr<Gdiplus::Bitmap>& scaled) {
+  const int width = ScaledImageSide(static_cast<int>(source.GetWidth()), fromDoubleSize, dpi);
+  const int height = ScaledImageSide(static_cast<int>(source.GetHeight()), fromDoubleSize, dpi);
+  scaled.reset(new Gdiplus::Bitmap(width, height, PixelFormat32bppPARGB));
+  if (scaled->GetLastStatus() != Gdiplus::Ok) return scaled->GetLastStatus();
+  Gdiplus::Graphics graphics(scaled.get());
+  graphics.SetCompositingMode(Gdiplus::CompositingModeSourceCopy);
+  graphics.SetInterpolationMode(Gdiplus::InterpolationModeHighQualityBicubic);
+  graphics.SetPixelOffsetMode(Gdiplus::PixelOffsetModeHighQuality);
+  Gdiplus::ImageAttributes edges;
+  edges.SetWrapMode(Gdiplus::WrapModeTileFlipXY);
+  return graphics.DrawImage(&source, Gdiplus::Rect(0, 0, width, height), 0, 0,
+                            static_cast<INT>(source.GetWidth()), static_cast<INT>(source.GetHeight()),
+                            Gdiplus::UnitPixel, &edges);
+}
 }  // namespace
 
-HBITMAP LoadImageBitmap(std::wstring path, COLORREF background) {
+HBITMAP LoadImageBitmap(std::wstring path, COLORREF background, int dpi) {
   return Guarded(L"loading image", static_cast<HBITMAP>(nullptr), [&]() -> HBITMAP {
+    dpi = UsableDpi(dpi);
+    // A twin drawn for 192 DPI is sharper than the plain picture enlarged.
+    bool fromDoubleSize = false;
+    if (WantsDoubleSizeImage(dpi)) {
+      const std::wstring twin = DoubleSizeFileName(path);
+      if (FileExists(twin)) {
+        path = twin;
+        fromDoubleSize = true;
+      }
+    }
     const std::vector<BYTE> bytes = ReadWholeFile(path);
     // Only a small PNG reaches the decoder. A file that could not be read
     // at all goes on to fail in GDI+ as an empty stream, decoding nothing.
@@ -57,8 +94,18 @@ HBITMAP LoadImageBitmap(std::wstring path, COLORREF background) {
       return nullptr;
     }
     WriteLog(LogLevel::Debug, L"loaded bitmap");
+    std::unique_ptr<Gdiplus::Bitmap> scaled;
+    if (dpi != kDesignDpi) {
+      const Gdiplus::Status drawn = DrawScaled(bitmap, fromDoubleSize, dpi, scaled);
+      if (drawn != Gdiplus::Ok) {
+        WriteLog(LogLevel::Error, L"couldn't scale bitmap (" + path + L") to " + std::to_wstring(dpi) +
+                                      L" dpi - gdi status=" + std::to_wstring(static_cast<int>(drawn)));
+        return nullptr;
+      }
+    }
+    Gdiplus::Bitmap& shown = scaled ? *scaled : bitmap;
     HBITMAP handle = nullptr;
-    const Gdiplus::Status converted = bitmap.GetHBITMAP(
+    const Gdiplus::Status converted = shown.GetHBITMAP(
         Gdiplus::Color(0xFF, GetRValue(background), GetGValue(background), GetBValue(background)), &handle);
     if (converted != Gdiplus::Ok || handle == nullptr) {
       WriteLog(LogLevel::Error,

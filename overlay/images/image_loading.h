@@ -15,4 +15,11 @@ inline constexpr COLORREF kOverlayColourKey = RGB(169, 169, 169);
 // (PngHeaderRefusal). Null on any failure, with one error line naming the
 // path and why: the header's fault or GDI+'s status. The caller owns the
 // bitmap. GDI+ must be running.
-HBITMAP LoadImageBitmap(std::wstring path, COLORREF background = kOverlayColourKey);
+//
+// The pictures are drawn for 96 DPI. At another DPI the picture is drawn at
+// its size × dpi / 96 (ScaledImageSide) with high-quality bicubic
+// filtering, before its transparent pixels are flattened, so the edges
+// blend as they do at 96 DPI. Above 96 DPI a double-size twin beside the
+// file ("drive@2x.png" beside "drive.png"), when there is one, is used
+// instead and drawn at half its size × dpi / 96; it passes the same checks.
+HBITMAP LoadImageBitmap(std::wstring path, COLORREF background = kOverlayColourKey, int dpi = 96);

@@ -6,6 +6,7 @@
 #include "log/write_log.h"
 #include "overlay/images/image_file_names.h"
 #include "overlay/images/image_loading.h"
+#include "overlay/layouts/dpi_scaling.h"
 
 std::wstring ImagesFolder;
 
@@ -20,16 +21,18 @@ std::map<std::wstring, HBITMAP>& Slots() {
 }
 }  // namespace
 
-HBITMAP SharedImage(const wchar_t* fileName, COLORREF backdrop) {
+HBITMAP SharedImage(const wchar_t* fileName, COLORREF backdrop, int dpi) {
+  dpi = UsableDpi(dpi);
   std::wstring key = fileName;
   if (backdrop != kOverlayColourKey) key += L"|" + std::to_wstring(backdrop);
+  if (dpi != kDesignDpi) key += L"@" + std::to_wstring(dpi);
   HBITMAP& slot = Slots()[key];
-  if (slot == nullptr) slot = LoadImageBitmap(ImagesFolder + L"\\" + fileName, backdrop);
+  if (slot == nullptr) slot = LoadImageBitmap(ImagesFolder + L"\\" + fileName, backdrop, dpi);
   return slot;
 }
 
-HBITMAP DefaultAvatar(COLORREF backdrop) {
-  HBITMAP avatar = SharedImage(kDefaultAvatarImage, backdrop);
+HBITMAP DefaultAvatar(COLORREF backdrop, int dpi) {
+  HBITMAP avatar = SharedImage(kDefaultAvatarImage, backdrop, dpi);
   WriteLog(LogLevel::Debug, L"default avatar loaded");
   return avatar;
 }

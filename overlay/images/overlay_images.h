@@ -21,9 +21,10 @@ std::wstring AvatarFolder();
 // loaded now if its slot is empty; null when it cannot be loaded. The
 // caller must not delete it. Its transparent pixels are `backdrop`: the
 // colour key for the badge, the colour behind the picture for an image
-// control; each backdrop has a slot of its own.
-HBITMAP SharedImage(const wchar_t* fileName, COLORREF backdrop = kOverlayColourKey);
+// control; each backdrop and each DPI (LoadImageBitmap) has a slot of its
+// own.
+HBITMAP SharedImage(const wchar_t* fileName, COLORREF backdrop = kOverlayColourKey, int dpi = 96);
 
 // The default avatar (kept like the images above) over `backdrop`; logs
 // that it was chosen.
-HBITMAP DefaultAvatar(COLORREF backdrop);
+HBITMAP DefaultAvatar(COLORREF backdrop, int dpi = 96);

@@ -2,6 +2,8 @@
 
 #include <ostream>
 
+#include "overlay/layouts/dpi_scaling.h"
+
 bool operator==(const Point& a, const Point& b) { return a.x == b.x && a.y == b.y; }
 bool operator!=(const Point& a, const Point& b) { return !(a == b); }
 
@@ -19,7 +21,9 @@ std::ostream& operator<<(std::ostream& out, const Rect& rect) {
              << "}";
 }
 
-Point BadgeHomePosition(const Rect& office) { return {office.right - 300, office.bottom - 100}; }
+Point BadgeHomePosition(const Rect& office, int dpi) {
+  return {office.right - ScaleForDpi(300, dpi), office.bottom - ScaleForDpi(100, dpi)};
+}
 
 bool HomePositionUsable(const Point& home) { return home.x >= 1 && home.y >= 1; }
 

@@ -27,8 +27,9 @@ std::ostream& operator<<(std::ostream& out, const Point& point);
 std::ostream& operator<<(std::ostream& out, const Rect& rect);
 
 // The badge's home: 300 pixels left of the Office window's right edge and
-// 100 above its bottom edge.
-Point BadgeHomePosition(const Rect& office);
+// 100 above its bottom edge, at 96 DPI; both distances follow the Office
+// window's DPI (ScaleForDpi).
+Point BadgeHomePosition(const Rect& office, int dpi = 96);
 
 // An Office window so small that the home position falls at or left of (or
 // above) the screen's first pixel leaves the badge where it is.

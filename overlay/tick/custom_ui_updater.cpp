@@ -19,6 +19,8 @@
 #include "overlay/layouts/overlay_geometry.h"
 #include "overlay/tick/overlay_state_procedures.h"
 #include "overlay/windows/overlay_window_states.h"
+#include "overlay/windows/overlay_windows.h"
+#include "overlay/windows/window_dpi.h"
 #include "synclink/cache_mutex.h"
 #include "synclink/file_status_cache.h"
 #include "synclink/sync_app_pipe.h"
@@ -57,13 +59,14 @@ std::wstring FindActiveFile(const HostProfile& profile, DocumentRecorder recordD
 void KeepActiveBadgeInside(const std::wstring& activeFile) {
   const SharedWindowState state = FindWindowState(activeFile);
   if (!state || state->badgeWindow == nullptr) return;
+  const ThreadDpiAwarenessOf awareness(state->hostWindow);
   WriteLog(LogLevel::Debug, L"updating window pos: " + activeFile);
   RECT office{};
   if (!GetWindowRect(state->hostWindow, &office)) {
     LogLastError(L"couldn't get parent window rect while updating custom UI for active file");
     return;
   }
-  const Point home = BadgeHomePosition(ToRect(office));
+  const Point home = BadgeHomePosition(ToRect(office), DpiOfWindow(state->hostWindow));
   if (!HomePositionUsable(home)) return;
   RECT badge{};
   if (!GetWindowRect(state->badgeWindow, &badge)) {
@@ -131,11 +134,30 @@ void ForgetClosedDocument(const std::wstring& path, std::vector<std::wstring>& c
   if (!request.empty()) closedRequests.push_back(request);
 }
 
+// Office is per-monitor DPI aware: dragged to a monitor of another DPI, its
+// window takes that DPI (WM_DPICHANGED goes to Office's own window, not to
+// ours). The overlay built at the old DPI is taken down here and built
+// again by this same pass at the new scale, at the badge's home for it.
+void FollowHostDpi(const std::wstring& path, FileStatusRecord& working, OverlayWindowState& windows) {
+  if (windows.badgeWindow == nullptr || working.hostWindow == nullptr) return;
+  const int built = BuiltDpiOf(windows.badgeWindow);
+  const int now = DpiOfWindow(working.hostWindow);
+  if (built == 0 || built == now) return;
+  WriteLog(LogLevel::Info, L"office window dpi changed from " + Number(built) + L" to " + Number(now) +
+                               L", rebuilding overlay: " + path);
+  DestroyOverlayWindows(windows.subOverlayWindow, windows.badgeWindow);
+  windows.posX = 0;
+  windows.posY = 0;
+  working.overlayUpToDate = 0;
+}
+
 // One record's pass on the tick's copy; false when the record is gone (or
 // the add-in's own close owns it), so there is nothing to write back.
 bool UpdateRecord(const FileStatusCache::TickEntry& entry, FileStatusRecord& working, const std::wstring& stamp,
                   const std::wstring& activeFile, bool syncAppHasData, std::vector<std::wstring>& closedRequests) {
   const std::wstring& path = entry.path;
+  // The overlay is measured, built and placed in the Office window's pixels.
+  const ThreadDpiAwarenessOf awareness(working.hostWindow);
   // The add-in is closing it for a sync action, and reports that close
   // itself once the host is done.
   if (working.closingForSyncAction) return false;
@@ -150,6 +172,7 @@ bool UpdateRecord(const FileStatusCache::TickEntry& entry, FileStatusRecord& wor
     const bool editingChanged = editing != (working.isEditing != 0);
     working.isEditing = editing ? 1 : 0;
     const SharedWindowState windows = WindowStateFor(path, working.hostWindow);
+    FollowHostDpi(path, working, *windows);
     RecordPass pass{path, activeFile, syncAppHasData, editingChanged};
     UpdateRecordOverlays(pass, working, *windows);
     return true;

@@ -8,13 +8,16 @@
 #include "overlay/images/image_file_names.h"
 #include "overlay/images/image_loading.h"
 #include "overlay/images/layering.h"
+#include "overlay/decision/badge_visibility.h"
 #include "overlay/decision/overlay_decision.h"
 #include "overlay/decision/tick_plan.h"
 #include "overlay/layouts/overlay_geometry.h"
 #include "overlay/images/overlay_images.h"
+#include "overlay/tick/badge_visibility_in_use.h"
 #include "overlay/windows/overlay_windows.h"
 #include "overlay/windows/panels.h"
 #include "overlay/windows/status_overlays.h"
+#include "overlay/windows/window_dpi.h"
 
 namespace {
 OverlayKind KindOf(const OverlayWindowState& w) { return static_cast<OverlayKind>(w.overlayKind); }
@@ -56,6 +59,12 @@ void GiveActivationBack(const FileStatusRecord& record, const OverlayWindowState
   }
 }
 
+// The kind's badge picture, drawn for the Office window's DPI: the layered
+// badge takes the picture's size.
+HBITMAP BadgePicture(const FileStatusRecord& record, OverlayKind kind) {
+  return SharedImage(BadgeImageFile(kind), kOverlayColourKey, DpiOfWindow(record.hostWindow));
+}
+
 // The badge of a kind other than safe to edit is shown again when its file
 // is the active one; a safe-to-edit badge stays away once hidden.
 void ShowBadgeOfActiveFile(const OverlayWindowState& w, const std::wstring& activeFile) {
@@ -81,7 +90,8 @@ void PlaceBadgeOnce(const std::wstring& path, const FileStatusRecord& record, Ov
     LogLastError(L"couldn't get parent window rect while updating custom UI");
     return;
   }
-  const Point home = BadgeHomePosition({office.left, office.top, office.right, office.bottom});
+  const Point home =
+      BadgeHomePosition({office.left, office.top, office.right, office.bottom}, DpiOfWindow(record.hostWindow));
   w.posX = home.x;
   w.posY = home.y;
   WriteLog(LogLevel::Debug, L"updated window position: " + path);
@@ -133,10 +143,10 @@ HWND BuildBadge(BadgeBuild build, OverlayKind kind, const FileStatusRecord& reco
       return CreateMainOverlay(record.hostWindow, w.posX, w.posY, &w);
     case BadgeBuild::LoadingStrip:
       // The drive sits on the strip's own colour, not on the badge's key.
-      return CreateLoadingOverlay(record.hostWindow, SharedImage(BadgeImageFile(kind), kLoadingStripBlue), w.posX,
+      return CreateLoadingOverlay(record.hostWindow, SharedImage(BadgeImageFile(kind), kLoadingStripBlue, DpiOfWindow(record.hostWindow)), w.posX,
                                   w.posY, &w);
     case BadgeBuild::NoInternetStrip:
-      return CreateNoInternetOverlay(record.hostWindow, SharedImage(BadgeImageFile(kind), kPanelWhite), w.posX,
+      return CreateNoInternetOverlay(record.hostWindow, SharedImage(BadgeImageFile(kind), kPanelWhite, DpiOfWindow(record.hostWindow)), w.posX,
                                      w.posY, &w);
     default:
       return nullptr;
@@ -160,7 +170,7 @@ void CarryOut(const TickPlan& plan, OverlayState state, const std::wstring& path
     badgeBuilt = w.badgeWindow != nullptr;
     // A new badge is transparent until its picture is laid onto it.
     if (badgeBuilt && plan.buildBadge == BadgeBuild::Main) {
-      ApplyLayering(w.badgeWindow, SharedImage(BadgeImageFile(kind)), kOverlayColourKey);
+      ApplyLayering(w.badgeWindow, BadgePicture(record, kind), kOverlayColourKey);
     }
   }
   if (plan.buildBadge == BadgeBuild::Main && plan.logTag && (w.badgeWindow || plan.logWithoutBadge)) {
@@ -205,7 +215,7 @@ bool BringBadgeBack(const FileStatusRecord& record, OverlayWindowState& w, Overl
   if (w.badgeWindow != nullptr) return false;
   w.badgeWindow = CreateMainOverlay(record.hostWindow, w.posX, w.posY, &w);
   if (w.badgeWindow == nullptr) return false;
-  ApplyLayering(w.badgeWindow, SharedImage(BadgeImageFile(kind)), kOverlayColourKey);
+  ApplyLayering(w.badgeWindow, BadgePicture(record, kind), kOverlayColourKey);
   return true;
 }
 
@@ -288,6 +298,14 @@ void HideBoth(const std::wstring& path, OverlayWindowState& w) {
   Hide(w.badgeWindow);
   WriteLog(LogLevel::Debug, L"hidden overlay UI in non-active file: " + path);
 }
+
+// The badge setting keeps this file's overlays off screen for now: the
+// state is not carried out (so nothing is built to be hidden again) and
+// runs as usual once it is something the setting shows.
+bool HeldBackBySetting(const FileStatusRecord& record, const OverlayWindowState& w) {
+  const bool panelOnScreen = w.subOverlayWindow != nullptr && IsWindowVisible(w.subOverlayWindow);
+  return HoldsBackOverlays(BadgeVisibilityInUse(), DecideOverlayState(FactsOf(record)), panelOnScreen);
+}
 }  // namespace
 
 void UpdateRecordOverlays(const RecordPass& pass, FileStatusRecord& record, OverlayWindowState& w) {
@@ -302,9 +320,10 @@ void UpdateRecordOverlays(const RecordPass& pass, FileStatusRecord& record, Over
   }
   const bool active = pass.path == pass.activeFile;
   const bool minimised = record.hostWindow != nullptr && IsIconic(record.hostWindow);
+  const bool heldBack = HeldBackBySetting(record, w);
   if (record.overlayUpToDate && !pass.editingChanged) {
     WriteLog(LogLevel::Debug, L"no changes: " + pass.path);
-    if (active && !minimised) {
+    if (active && !minimised && !heldBack) {
       GiveActivationBack(record, w, L"suboverlay wnd is not active now 2");
       ShowBadgeOfActiveFile(w, pass.activeFile);
     } else {
@@ -319,7 +338,7 @@ void UpdateRecordOverlays(const RecordPass& pass, FileStatusRecord& record, Over
     record.overlayUpToDate = 1;
     return;
   }
-  if (!active || minimised) {
+  if (!active || minimised || heldBack) {
     HideBoth(pass.path, w);
     return;
   }

@@ -6,6 +6,8 @@
 #include "common/gdi_guards.h"
 #include "log/log_last_error.h"
 #include "overlay/windows/overlay_fonts.h"
+#include "overlay/layouts/dpi_scaling.h"
+#include "overlay/windows/window_dpi.h"
 
 namespace {
 constexpr COLORREF kWhite = RGB(255, 255, 255);
@@ -61,7 +63,9 @@ void GiveRoundedCorners(HWND control) {
   // bordered button.
   RECT place{};
   GetWindowRect(control, &place);
-  UniqueHrgn region(CreateRoundRectRgn(0, 0, place.right - place.left, place.bottom - place.top, 10, 10));
+  // The corners' roundness follows the DPI like the button's size does.
+  const int corner = ScaleForDpi(10, DpiOfWindow(control));
+  UniqueHrgn region(CreateRoundRectRgn(0, 0, place.right - place.left, place.bottom - place.top, corner, corner));
   if (!region) {
     LogLastError(L"couldn't create rounded rect rgn for control");
     return;

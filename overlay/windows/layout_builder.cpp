@@ -2,6 +2,7 @@
 
 #include <commctrl.h>
 
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -13,13 +14,17 @@
 #include "log/log_last_error.h"
 #include "log/write_log.h"
 #include "overlay/images/avatar_loading.h"
+#include "overlay/layouts/accessible_names.h"
 #include "overlay/layouts/control_styles.h"
+#include "overlay/layouts/dpi_scaling.h"
 #include "overlay/images/image_file_names.h"
 #include "overlay/images/image_loading.h"
+#include "overlay/windows/overlay_accessible.h"
 #include "overlay/windows/overlay_fonts.h"
 #include "overlay/images/overlay_images.h"
 #include "overlay/images/panel_bitmaps.h"
 #include "overlay/windows/overlay_window_state.h"
+#include "overlay/windows/window_dpi.h"
 
 namespace {
 Rect ToRect(const RECT& r) { return {r.left, r.top, r.right, r.bottom}; }
@@ -36,18 +41,18 @@ struct StepImage {
   bool owned = false;
 };
 
-StepImage ImageOf(const LayoutStep& step, HBITMAP driveBitmap) {
+StepImage ImageOf(const LayoutStep& step, HBITMAP driveBitmap, int dpi) {
   switch (step.image) {
     case ImageRole::Avatar: {
       if (step.tryUserAvatar) {
         // Loaded afresh for every panel: the sync app may have a newer one.
-        HBITMAP own = LoadAvatarBitmap(step.avatarFile, step.backdrop);
+        HBITMAP own = LoadAvatarBitmap(step.avatarFile, step.backdrop, dpi);
         if (own != nullptr) return {own, true};
       }
-      return {DefaultAvatar(step.backdrop), false};
+      return {DefaultAvatar(step.backdrop, dpi), false};
     }
     case ImageRole::ErrorIcon:
-      return {SharedImage(kErrorIconImage, step.backdrop), false};
+      return {SharedImage(kErrorIconImage, step.backdrop, dpi), false};
     case ImageRole::DriveBitmap:
       return {driveBitmap, false};
     default:
@@ -55,23 +60,23 @@ StepImage ImageOf(const LayoutStep& step, HBITMAP driveBitmap) {
   }
 }
 
-void SetImage(HWND window, HWND control, const LayoutStep& step, HBITMAP driveBitmap) {
+void SetImage(HWND window, HWND control, const LayoutStep& step, HBITMAP driveBitmap, int dpi) {
   if (step.image == ImageRole::None) return;
   if (step.image == ImageRole::WarningIcon) {
     // A shared system icon: nothing to free.
     SendMessageW(control, STM_SETIMAGE, IMAGE_ICON, reinterpret_cast<LPARAM>(LoadIconW(nullptr, IDI_WARNING)));
     return;
   }
-  const StepImage image = ImageOf(step, driveBitmap);
+  const StepImage image = ImageOf(step, driveBitmap, dpi);
   if (image.bitmap == nullptr) return;  // the control stays empty; the load was logged
   SendMessageW(control, STM_SETIMAGE, IMAGE_BITMAP, reinterpret_cast<LPARAM>(image.bitmap));
   RememberPanelBitmap(window, control, image.bitmap, image.owned);
 }
 
 // Clips a status dot to its circle; false (logged) on failure.
-bool ClipToCircle(HWND control, const LayoutStep& step) {
-  UniqueHrgn region(
-      CreateEllipticRgn(kStatusDotCircle.left, kStatusDotCircle.top, kStatusDotCircle.right, kStatusDotCircle.bottom));
+bool ClipToCircle(HWND control, const LayoutStep& step, int dpi) {
+  const Rect circle = ScaleRectForDpi(kStatusDotCircle, dpi);
+  UniqueHrgn region(CreateEllipticRgn(circle.left, circle.top, circle.right, circle.bottom));
   if (!region) {
     LogLastErrorText(step.regionFailureText);
     return false;
@@ -84,6 +89,20 @@ bool ClipToCircle(HWND control, const LayoutStep& step) {
   return true;
 }
 
+// The children whose standard accessible object would say the wrong thing:
+// owner-drawn ones (no role from their style, an "&" read as a mnemonic)
+// and links (their markup read out).
+std::optional<AccessibleControl> AccessibleControlOf(const LayoutStep& step) {
+  if (lstrcmpiW(step.className, kSysLinkClass) == 0) return AccessibleControl::Link;
+  if (lstrcmpiW(step.className, kButtonClass) == 0 && (step.style & BS_TYPEMASK) == BS_OWNERDRAW) {
+    return AccessibleControl::OwnerDrawnButton;
+  }
+  if (lstrcmpiW(step.className, kStaticClass) == 0 && (step.style & SS_TYPEMASK) == SS_OWNERDRAW) {
+    return AccessibleControl::OwnerDrawnTitle;
+  }
+  return std::nullopt;
+}
+
 void StartMarquee(HWND bar) {
   if (SendMessageW(bar, PBM_SETMARQUEE, TRUE, kMarqueeStepMilliseconds) != 0) {
     WriteLog(LogLevel::Debug, L"indeterminate progress bar set");
@@ -92,8 +111,14 @@ void StartMarquee(HWND bar) {
   }
 }
 
+HFONT FontOf(const LayoutStep& step, int dpi) {
+  if (step.font != FontRole::None) return OverlayFont(step.font, dpi);
+  const bool text = lstrcmpiW(step.className, kStaticClass) == 0 && !step.text.empty();
+  return text ? UnsetTextFont(dpi) : nullptr;
+}
+
 // One child; false when the build must stop (already logged).
-bool CreateChild(HWND window, const LayoutStep& step, std::vector<HWND>& children, HBITMAP driveBitmap) {
+bool CreateChild(HWND window, const LayoutStep& step, std::vector<HWND>& children, HBITMAP driveBitmap, int dpi) {
   const HWND parent = step.parent == kPanelParent ? window : children.at(static_cast<size_t>(step.parent));
   HWND control = nullptr;
   {
@@ -108,9 +133,14 @@ bool CreateChild(HWND window, const LayoutStep& step, std::vector<HWND>& childre
     LogLastErrorText(step.failureText);
     return false;
   }
-  if (HFONT font = OverlayFont(step.font)) SendMessageW(control, WM_SETFONT, reinterpret_cast<WPARAM>(font), FALSE);
-  SetImage(window, control, step, driveBitmap);
-  if (step.circleRegion && !ClipToCircle(control, step)) return false;
+  if (HFONT font = FontOf(step, dpi)) {
+    SendMessageW(control, WM_SETFONT, reinterpret_cast<WPARAM>(font), FALSE);
+  }
+  if (const std::optional<AccessibleControl> accessible = AccessibleControlOf(step)) {
+    GiveAccessibleAnswer(control, *accessible);
+  }
+  SetImage(window, control, step, driveBitmap, dpi);
+  if (step.circleRegion && !ClipToCircle(control, step, dpi)) return false;
   if (step.startMarquee) StartMarquee(control);
   return true;
 }
@@ -127,9 +157,13 @@ bool ResizeChild(const LayoutStep& step, std::vector<HWND>& children) {
   return true;
 }
 
-HWND Build(const PanelLayout& layout, HWND officeWindow, HWND badgeWindow, Point at, HBITMAP driveBitmap,
+HWND Build(const PanelLayout& designed, HWND officeWindow, HWND badgeWindow, Point at, HBITMAP driveBitmap,
            OverlayWindowState* state) {
-  if (!layout.IsBuildable()) return nullptr;
+  if (!designed.IsBuildable()) return nullptr;
+  // The layouts are written for 96 DPI; every rectangle, font and picture
+  // is scaled here, in one step, for the Office window's DPI.
+  const int dpi = DpiOfWindow(officeWindow);
+  const PanelLayout layout = ScaleLayoutForDpi(designed, dpi);
   const bool againstBadge = layout.placement == PanelPlacement::AgainstBadge;
   RECT office{};
   RECT badge{};
@@ -148,11 +182,14 @@ HWND Build(const PanelLayout& layout, HWND officeWindow, HWND badgeWindow, Point
 
   // A panel belongs to the file of the badge it opens from.
   if (state == nullptr && againstBadge) state = WindowStateOf(badgeWindow);
+  // A panel's window text is its title: what screen readers call it. No
+  // caption bar draws it.
+  const std::wstring name = againstBadge ? PanelAccessibleName(layout) : std::wstring();
   // Destroyed unless the build gets to the end: a panel that failed
   // half-way is of no use to anyone and must not linger hidden.
-  UniqueWindow window(CreateWindowExW(layout.exStyle, layout.className, nullptr, layout.style, place.x, place.y,
-                                      layout.width, layout.createHeight, againstBadge ? badgeWindow : officeWindow,
-                                      nullptr, ModuleInstance(), state));
+  UniqueWindow window(CreateWindowExW(layout.exStyle, layout.className, name.empty() ? nullptr : name.c_str(),
+                                      layout.style, place.x, place.y, layout.width, layout.createHeight,
+                                      againstBadge ? badgeWindow : officeWindow, nullptr, ModuleInstance(), state));
   if (window.get() == nullptr) {
     LogLastErrorText(layout.windowFailureText);
     return nullptr;
@@ -162,7 +199,7 @@ HWND Build(const PanelLayout& layout, HWND officeWindow, HWND badgeWindow, Point
   children.reserve(layout.steps.size());
   for (const LayoutStep& step : layout.steps) {
     const bool ok = step.kind == StepKind::ResizeChild ? ResizeChild(step, children)
-                                                       : CreateChild(window.get(), step, children, driveBitmap);
+                                                       : CreateChild(window.get(), step, children, driveBitmap, dpi);
     if (!ok) return nullptr;
   }
 
@@ -178,6 +215,7 @@ HWND Build(const PanelLayout& layout, HWND officeWindow, HWND badgeWindow, Point
   // them); the status overlays are shown at once, without taking the focus.
   ShowWindow(window.get(), againstBadge ? SW_HIDE : SW_SHOWNA);
   UpdateWindow(window.get());
+  RememberBuiltDpi(window.get(), dpi);
   return window.release();
 }
 }  // namespace
@@ -185,6 +223,7 @@ HWND Build(const PanelLayout& layout, HWND officeWindow, HWND badgeWindow, Point
 HWND BuildLayout(const PanelLayout& layout, HWND officeWindow, HWND badgeWindow, Point at, HBITMAP driveBitmap,
                  OverlayWindowState* state) {
   const wchar_t* activity = layout.exceptionActivity ? layout.exceptionActivity : L"creating overlay UI";
+  const ThreadDpiAwarenessOf awareness(officeWindow);
   return Guarded(activity, static_cast<HWND>(nullptr),
                  [&] { return Build(layout, officeWindow, badgeWindow, at, driveBitmap, state); });
 }

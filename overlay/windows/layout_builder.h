@@ -10,6 +10,8 @@
 #include "overlay/layouts/overlay_geometry.h"
 #include "overlay/layouts/panel_layout.h"
 
+// The layout is given for 96 DPI and built at the DPI of `officeWindow`
+// (ScaleLayoutForDpi, fonts and pictures at that DPI too).
 // Panels are placed against `badgeWindow` inside `officeWindow` and owned
 // by the badge; status overlays go at `at` and are owned by the Office
 // window. `driveBitmap` is the picture of a status overlay's drive image

@@ -12,6 +12,7 @@
 #include "overlay/windows/control_colours.h"
 #include "overlay/windows/link_opener.h"
 #include "overlay/windows/message_sources.h"
+#include "overlay/windows/overlay_accessible.h"
 #include "overlay/windows/overlay_fonts.h"
 #include "overlay/layouts/overlay_geometry.h"
 #include "overlay/images/panel_bitmaps.h"
@@ -278,6 +279,8 @@ bool Handle(HWND window, UINT message, WPARAM wParam, LPARAM lParam, LRESULT& re
     case WM_LBUTTONUP:
       result = OnLeftButtonUp(window);
       return true;
+    case WM_GETOBJECT:
+      return AnswerOverlayGetObject(window, wParam, lParam, result);
     default:
       return false;
   }

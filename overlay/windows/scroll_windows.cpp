@@ -7,7 +7,9 @@
 #include "common/text.h"
 #include "log/write_log.h"
 #include "overlay/windows/control_colours.h"
+#include "overlay/layouts/dpi_scaling.h"
 #include "overlay/layouts/scroll_metrics.h"
+#include "overlay/windows/window_dpi.h"
 
 namespace {
 // Shared by every scroll area and written when one is created: they all
@@ -123,7 +125,7 @@ LRESULT HorizontalMessage(HWND window, UINT message, WPARAM wParam, LPARAM lPara
       rangeInfo.nMin = range.minimum;
       rangeInfo.nMax = range.maximum;
       SetScrollInfo(window, SB_HORZ, &rangeInfo, TRUE);
-      TextOutW(paint.get(), x, kHorizontalTextTop, text.c_str(), length);
+      TextOutW(paint.get(), x, ScaleForDpi(kHorizontalTextTop, DpiOfWindow(window)), text.c_str(), length);
       return 0;
     }
     default:

@@ -33,6 +33,7 @@ class Connection : public testing::Test {
             "win GDI+ initialized",
             "progress common controls initialized",
             "hyperlink common controls initialized",
+            "badge visibility = 0 (default)",
             "custom ui update timer added",
             "office app startup completed",
             "office app begins to shut down",
@@ -102,6 +103,25 @@ TEST_F(Connection, OutlookLeavesTheAddinIdle) {
     EXPECT_NE(message, "office app connected");
     EXPECT_NE(message, "custom ui update timer added");
   }
+}
+
+TEST_F(Connection, ReadsTheBadgeSettingFromThePolicyBeforeTheUsersOwn) {
+  const wchar_t* policyKey = L"Software\\Policies\\QelvoFilewell\\OfficeAddin";
+  const wchar_t* userKey = L"Software\\QelvoFilewell\\OfficeAddin";
+  const DWORD never = 2;
+  const DWORD whenNeeded = 1;
+  ASSERT_EQ(RegSetKeyValueW(HKEY_LOCAL_MACHINE, policyKey, L"BadgeVisibility", REG_DWORD, &never, sizeof(never)),
+            ERROR_SUCCESS);
+  ASSERT_EQ(RegSetKeyValueW(HKEY_CURRENT_USER, userKey, L"BadgeVisibility", REG_DWORD, &whenNeeded,
+                            sizeof(whenNeeded)),
+            ERROR_SUCCESS);
+  const ProcessResult run = RunHost(L"WINWORD.EXE");
+  RegDeleteKeyValueW(HKEY_LOCAL_MACHINE, policyKey, L"BadgeVisibility");
+  RegDeleteKeyValueW(HKEY_CURRENT_USER, userKey, L"BadgeVisibility");
+  ASSERT_EQ(run.exitCode, 0u) << run.output;
+  const auto main = MessagesOfThread(ReadLog(LogFilePath()), "MainThread");
+  EXPECT_TRUE(ContainsInOrder(main, {"hyperlink common controls initialized", "badge visibility = 2 (policy)",
+                                     "custom ui update timer added"}));
 }
 
 TEST_F(Connection, GoesOnWithoutTheImmediateUpdateEvent) {

@@ -15,6 +15,11 @@ if [ ! -f "$WINEPREFIX/system.reg" ]; then
   run wineboot -i >/dev/null 2>&1
   wineserver -w
 fi
+# A screen at another DPI (QSYNC_LOGPIXELS, for the overlay's DPI tests):
+# Wine 8 takes the system DPI from this value when a process starts.
+if [ -n "${QSYNC_LOGPIXELS:-}" ]; then
+  run reg add 'HKCU\Control Panel\Desktop' /v LogPixels /t REG_DWORD /d "$QSYNC_LOGPIXELS" /f >/dev/null 2>&1
+fi
 # A debugger that cannot start: Wine then ends the crashed process at once
 # instead of waiting for winedbg.
 run reg add 'HKLM\Software\Microsoft\Windows NT\CurrentVersion\AeDebug' /v Debugger /t REG_SZ /d 'false' /f >/dev/null 2>&1

@@ -86,6 +86,18 @@ HWND CreateMainWindow(SimHost host) {
   return window;
 }
 
+// Office runs per-monitor DPI aware, so its windows (and the add-in's
+// overlays over them) are measured in the monitor's own pixels: at 150 %
+// the add-in must draw at 144 DPI itself. Per Monitor v2 where Windows
+// has it, else per monitor, else system aware.
+void BecomeDpiAwareLikeOffice() {
+  using SetContext = BOOL(WINAPI*)(HANDLE);
+  const auto set = reinterpret_cast<SetContext>(
+      reinterpret_cast<void*>(GetProcAddress(GetModuleHandleW(L"user32.dll"), "SetProcessDpiAwarenessContext")));
+  if (set != nullptr && (set(reinterpret_cast<HANDLE>(-4)) || set(reinterpret_cast<HANDLE>(-3)))) return;
+  SetProcessDPIAware();
+}
+
 SAFEARRAY* EmptyCustomArray() { return SafeArrayCreateVector(VT_VARIANT, 0, 0); }
 
 double MillisecondsSince(const LARGE_INTEGER& start) {
@@ -170,6 +182,7 @@ int wmain(int argc, wchar_t** argv) {
     }
   }
   setvbuf(stdout, nullptr, _IONBF, 0);
+  BecomeDpiAwareLikeOffice();
 
   wchar_t exePath[MAX_PATH];
   GetModuleFileNameW(nullptr, exePath, MAX_PATH);
