@@ -20,7 +20,7 @@
 #include "log/log_last_error.h"
 #include "log/thread_names.h"
 #include "log/write_log.h"
-#include "overlay/windows/overlay_windows.h"
+#include "overlay/windows/overlay_window_states.h"
 #include "overlay/windows/ui_toolkit.h"
 #include "overlay/windows/window_class_names.h"
 #include "overlay/windows/window_classes.h"
@@ -283,7 +283,10 @@ HRESULT CConnect::OnDisconnection(int, SAFEARRAY**) {
     // answer would otherwise keep the pipe from the last request below, and
     // it leaves while the rest of the disconnection runs.
     if (EventUpdateThreadHandle) RequestEventUpdateThreadStop();
-    TheFileStatusCache().RemoveAll(DestroyRecordOverlays);
+    // Every window first, then the records: the cache never reaches up
+    // into the overlay.
+    DropAllWindowStates();
+    TheFileStatusCache().RemoveAll();
     DisconnectFromHost();
     ShutdownUiToolkit();
     StopRunningParts();

@@ -3,7 +3,7 @@
 #include "common/dispatch.h"
 #include "docactions/unsaved_changes.h"
 #include "log/write_log.h"
-#include "overlay/windows/overlay_windows.h"
+#include "overlay/windows/overlay_window_states.h"
 #include "synclink/file_status_cache.h"
 #include "synclink/sync_app_pipe.h"
 #include "synclink/undelivered_closes.h"
@@ -27,7 +27,9 @@ void OnFileClosing(ComPtr<IDispatch> document) {
     return;
   }
   const bool unsaved = HasUnsavedChanges(document);
-  const bool addinIsClosingIt = record->retryModify || record->resolveConflict || record->retryRenameOrMove;
+  const UserChoices& choices = record->choices;
+  const bool addinIsClosingIt = choices.Has(UserChoice::retryModify) || choices.Has(UserChoice::resolveConflict) ||
+                                choices.Has(UserChoice::retryRenameOrMove);
   if (unsaved && !addinIsClosingIt) {
     // The user's own close of a modified file: the host now asks about
     // saving, and the document may well stay open.
@@ -35,7 +37,7 @@ void OnFileClosing(ComPtr<IDispatch> document) {
     return;
   }
   WriteLog(LogLevel::Info, (unsaved ? L"we close this file to sync event - " : L"close file - ") + path);
-  DestroyRecordOverlays(path);
+  DropWindowState(path);
   // One step: no longer open, shown as nothing, its last request built
   // (saying "isOpen":false) and the record gone.
   std::uint64_t closeId = 0;

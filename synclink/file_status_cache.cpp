@@ -22,30 +22,8 @@ void MergeUiChanges(FileStatusRecord& s, const FileStatusRecord& b, const FileSt
   KeepChange(s.hostWindow, b.hostWindow, a.hostWindow);
   KeepChange(s.isEditing, b.isEditing, a.isEditing);
   KeepChange(s.document, b.document, a.document);
-  KeepChange(s.downloadRequested, b.downloadRequested, a.downloadRequested);
-  KeepChange(s.reloadPromptPlain, b.reloadPromptPlain, a.reloadPromptPlain);
-  KeepChange(s.reloadPromptAskSave, b.reloadPromptAskSave, a.reloadPromptAskSave);
-  KeepChange(s.retryModify, b.retryModify, a.retryModify);
-  KeepChange(s.saveSeparateCopy, b.saveSeparateCopy, a.saveSeparateCopy);
-  KeepChange(s.renameMoveClicked, b.renameMoveClicked, a.renameMoveClicked);
-  KeepChange(s.renameMoveAskShown, b.renameMoveAskShown, a.renameMoveAskShown);
-  KeepChange(s.retryRenameOrMove, b.retryRenameOrMove, a.retryRenameOrMove);
-  KeepChange(s.retryDelete, b.retryDelete, a.retryDelete);
-  KeepChange(s.resolveConflictClicked, b.resolveConflictClicked, a.resolveConflictClicked);
-  KeepChange(s.conflictAskShown, b.conflictAskShown, a.conflictAskShown);
-  KeepChange(s.resolveConflict, b.resolveConflict, a.resolveConflict);
-  KeepChange(s.skipNextUpdate, b.skipNextUpdate, a.skipNextUpdate);
+  s.choices.MergeChanges(b.choices, a.choices);
   KeepChange(s.closingForSyncAction, b.closingForSyncAction, a.closingForSyncAction);
-  KeepChange(s.uiHide, b.uiHide, a.uiHide);
-  KeepChange(s.badgeWindow, b.badgeWindow, a.badgeWindow);
-  KeepChange(s.subOverlayWindow, b.subOverlayWindow, a.subOverlayWindow);
-  KeepChange(s.posX, b.posX, a.posX);
-  KeepChange(s.posY, b.posY, a.posY);
-  KeepChange(s.pressX, b.pressX, a.pressX);
-  KeepChange(s.pressY, b.pressY, a.pressY);
-  KeepChange(s.buttonDown, b.buttonDown, a.buttonDown);
-  KeepChange(s.dragged, b.dragged, a.dragged);
-  KeepChange(s.overlayKind, b.overlayKind, a.overlayKind);
   KeepChange(s.isOpen, b.isOpen, a.isOpen);
   KeepChange(s.seenStamp, b.seenStamp, a.seenStamp);
   if (a.overlayUpToDate != b.overlayUpToDate) {
@@ -125,21 +103,29 @@ bool FileStatusCache::StoreUiChanges(const std::wstring& path, const FileStatusR
   return true;
 }
 
-std::optional<std::wstring> FileStatusCache::PathOfWindow(HWND window, WindowRole role) const {
-  if (window == nullptr) return std::nullopt;
+std::vector<FileStatusCache::TickEntry> FileStatusCache::TakeForTick(const std::vector<std::wstring>& openPaths,
+                                                                     const std::wstring& stamp) {
+  std::vector<TickEntry> entries;
   Lock lock(lock_);
-  for (const auto& [path, record] : records_) {
-    if ((role == WindowRole::Badge ? record.badgeWindow : record.subOverlayWindow) == window) return path;
+  entries.reserve(records_.size());
+  auto open = openPaths.begin();
+  for (auto& [path, record] : records_) {
+    // Both in key order: one walk through each.
+    while (open != openPaths.end() && *open < path) ++open;
+    if (open != openPaths.end() && *open == path) record.seenStamp = stamp;
+    entries.push_back({path, record});
   }
-  return std::nullopt;
+  return entries;
 }
 
-void FileStatusCache::ForgetWindow(HWND window) {
-  if (window == nullptr) return;
+void FileStatusCache::StoreUiChangesOfAll(const std::vector<UiChange>& changes) {
+  std::vector<ComPtr<IDispatch>> replacedDocuments;  // released outside the lock
   Lock lock(lock_);
-  for (auto& entry : records_) {
-    if (entry.second.badgeWindow == window) entry.second.badgeWindow = nullptr;
-    if (entry.second.subOverlayWindow == window) entry.second.subOverlayWindow = nullptr;
+  for (const UiChange& change : changes) {
+    const auto found = records_.find(*change.path);
+    if (found == records_.end()) continue;
+    if (!(change.after->document == change.before->document)) replacedDocuments.push_back(found->second.document);
+    MergeUiChanges(found->second, *change.before, *change.after);
   }
 }
 
@@ -176,7 +162,6 @@ std::wstring FileStatusCache::CloseRecord(const std::wstring& path, std::uint64_
     // none built before it can be sent after it (the pipe's turn is held
     // around building and sending).
     found->second.isOpen = 0;
-    found->second.overlayKind = 0;
     try {
       std::wstring fileObject;
       AppendRequestObject(fileObject, path, found->second, false, OfficeApp);

@@ -51,13 +51,23 @@ class FileStatusCache {
   // since `before` was read. False when the record is gone.
   bool StoreUiChanges(const std::wstring& path, const FileStatusRecord& before, const FileStatusRecord& after);
 
-  // The path of the first record, in key order, whose badge (or panel) is
-  // `window`: how a window procedure finds the file a message is about.
-  enum class WindowRole { Badge, Panel };
-  std::optional<std::wstring> PathOfWindow(HWND window, WindowRole role) const;
-  // Forgets `window` wherever a record names it as its badge or panel: the
-  // window is being destroyed.
-  void ForgetWindow(HWND window);
+  // The UI tick's copy of every record, in key order, taken under the lock
+  // once whatever their number: a record whose path is among `openPaths`
+  // (in key order; the documents the host has open) gets `stamp` as its
+  // seenStamp first.
+  struct TickEntry {
+    std::wstring path;
+    FileStatusRecord record;
+  };
+  std::vector<TickEntry> TakeForTick(const std::vector<std::wstring>& openPaths, const std::wstring& stamp);
+  // What the tick changed in its copies, written back under the lock once,
+  // each as StoreUiChanges writes it; records gone meanwhile are passed.
+  struct UiChange {
+    const std::wstring* path;
+    const FileStatusRecord* before;
+    const FileStatusRecord* after;
+  };
+  void StoreUiChangesOfAll(const std::vector<UiChange>& changes);
 
   // Erases the record; an unknown path is logged. 1, or 0 on an exception.
   int RemoveFile(const std::wstring& path);
@@ -78,11 +88,9 @@ class FileStatusCache {
   // the others stay for the next update request.
   std::vector<std::wstring> SettleCloses(const std::vector<std::uint64_t>& ids, bool answered);
   size_t UndeliveredCloseCount() const;
-  // At disconnection: hands every record's path to `destroyWindows` (the
-  // overlay's, which lives above this layer), sends the sync app a last
-  // request for all files and empties the cache.
-  using WindowDestroyer = void (*)(const std::wstring& path);
-  int RemoveAll(WindowDestroyer destroyWindows);
+  // At disconnection, once the overlay has taken its windows down: sends
+  // the sync app a last request for all files and empties the cache.
+  int RemoveAll();
 
   // The request text for all records (empty onlyPath) or for one; "ERROR"
   // when it could not be built.

@@ -10,12 +10,9 @@
 #include "synclink/file_status_cache.h"
 #include "synclink/sync_app_pipe.h"
 
-int FileStatusCache::RemoveAll(WindowDestroyer destroyWindows) {
+int FileStatusCache::RemoveAll() {
   return Guarded(L"removing all cache data", 0, [&] {
-    for (const std::wstring& path : Paths()) {
-      if (destroyWindows) destroyWindows(path);
-      WriteLog(LogLevel::Info, L"file info removed from cache - " + path);
-    }
+    for (const std::wstring& path : Paths()) WriteLog(LogLevel::Info, L"file info removed from cache - " + path);
     // The sync app learns of every file one last time, and of the closes
     // it has not heard of yet; its answer no longer matters, and Office is
     // not kept waiting for one that does not come. Built in the exchange's

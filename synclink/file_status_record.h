@@ -1,14 +1,15 @@
 #pragma once
 // One open document's state: what the sync app last said about the file
 // (SyncReport, written only by the update thread) and the add-in's own
-// state for it (open, unsaved, the user's choices, its overlay windows,
-// written only by the UI thread).
+// state for it (open, unsaved, the user's choices, written only by the UI
+// thread).
 #include <cstdint>
 #include <map>
 #include <string>
 
 #include "common/com_ptr.h"
 #include "common/platform_types.h"
+#include "synclink/user_choices.h"
 
 // downloadState values.
 enum DownloadState : std::int32_t {
@@ -52,35 +53,17 @@ struct FileStatusRecord {
   // presentation), an owned reference: copying a record copies it,
   // destroying releases it. Only the UI thread copies whole records.
   ComPtr<IDispatch> document;
-  std::uint32_t downloadRequested = 0;
-  std::uint32_t reloadPromptPlain = 0;
-  std::uint32_t reloadPromptAskSave = 0;
-  std::uint32_t retryModify = 0;
-  std::uint32_t saveSeparateCopy = 0;
-  std::uint32_t renameMoveClicked = 0;
-  std::uint32_t renameMoveAskShown = 0;
-  std::uint32_t retryRenameOrMove = 0;
-  std::uint32_t retryDelete = 0;
-  std::uint32_t resolveConflictClicked = 0;
-  std::uint32_t conflictAskShown = 0;
-  std::uint32_t resolveConflict = 0;
-  std::uint32_t skipNextUpdate = 0;
+  // The user's pending choices and the hiding (retryModify, resolveConflict,
+  // retryRenameOrMove, retryDelete and uiHide go into the requests).
+  UserChoices choices;
   // The add-in is closing the document for a sync action right now: the
   // before-close handler leaves the report to the action, which tells the
   // sync app only once the host has really closed the document.
   std::uint32_t closingForSyncAction = 0;
-  std::uint32_t uiHide = 0;
-  HWND badgeWindow = nullptr;
-  HWND subOverlayWindow = nullptr;
-  std::int32_t posX = 0;
-  std::int32_t posY = 0;
-  std::int32_t pressX = 0;
-  std::int32_t pressY = 0;
-  std::uint32_t buttonDown = 0;
-  std::uint32_t dragged = 0;
-  std::int32_t overlayKind = 0;
   // Cleared by every change an answer brings, set by the overlay once it
-  // has drawn the record.
+  // has drawn the record: the hand-over between the update thread and the
+  // tick, so it lives here. The overlay's windows, their place and what
+  // they show are the overlay's own (OverlayWindowState), never here.
   std::uint32_t overlayUpToDate = 0;
   std::uint32_t isOpen = 1;
   std::wstring seenStamp;

@@ -8,6 +8,8 @@
 // and goes on, where a critical section or std::mutex would stay held for
 // good and freeze the UI thread. Elsewhere (the native tests, which run it
 // under ThreadSanitizer) it is a std::mutex.
+#include <cstdint>
+
 class RecordLock {
  public:
   RecordLock();
@@ -20,6 +22,11 @@ class RecordLock {
   // barriers log it and Office carries on.
   void lock();
   void unlock();
+
+  // How many times a cache lock of this process was taken: each taking is
+  // a round trip to the kernel on Windows, so the benchmarks and tests
+  // count them per tick and per window message.
+  static std::uint64_t Acquisitions();
 
  private:
   void* native_;

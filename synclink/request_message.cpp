@@ -28,11 +28,11 @@ void AppendRequestObject(std::wstring& out, const std::wstring& path, const File
   out += L"\",";
   AppendFlag(out, L"isOpen", record.isOpen);
   AppendFlag(out, L"isEditing", record.isEditing);
-  AppendFlag(out, L"resolveConflict", record.resolveConflict);
-  AppendFlag(out, L"retryModify", record.retryModify);
-  AppendFlag(out, L"retryRenameOrMove", record.retryRenameOrMove);
-  AppendFlag(out, L"retryDelete", record.retryDelete);
-  if (includeUiHide) AppendFlag(out, L"uiHide", record.uiHide);
+  AppendFlag(out, L"resolveConflict", record.choices.Has(UserChoice::resolveConflict));
+  AppendFlag(out, L"retryModify", record.choices.Has(UserChoice::retryModify));
+  AppendFlag(out, L"retryRenameOrMove", record.choices.Has(UserChoice::retryRenameOrMove));
+  AppendFlag(out, L"retryDelete", record.choices.Has(UserChoice::retryDelete));
+  if (includeUiHide) AppendFlag(out, L"uiHide", record.choices.Has(UserChoice::uiHide));
   out += L"\"file_combo_id\":\"";
   out += record.sync.file_combo_id;
   out += L"\",\"officeApp\":\"";

@@ -2,6 +2,7 @@
 
 #include <windows.h>
 
+#include <algorithm>
 #include <exception>
 #include <stdexcept>
 #include <vector>
@@ -17,6 +18,7 @@
 #include "log/write_log.h"
 #include "overlay/layouts/overlay_geometry.h"
 #include "overlay/tick/overlay_state_procedures.h"
+#include "overlay/windows/overlay_window_states.h"
 #include "overlay/windows/overlay_windows.h"
 #include "overlay/windows/window_dpi.h"
 #include "synclink/cache_mutex.h"
@@ -55,52 +57,49 @@ std::wstring FindActiveFile(const HostProfile& profile, DocumentRecorder recordD
 // shrank) goes back to its home; one wholly inside stays where the user
 // put it.
 void KeepActiveBadgeInside(const std::wstring& activeFile) {
-  FileStatusCache& cache = TheFileStatusCache();
-  const std::optional<FileStatusRecord> record = cache.Find(activeFile);
-  if (!record || record->badgeWindow == nullptr) return;
-  const ThreadDpiAwarenessOf awareness(record->hostWindow);
+  const SharedWindowState state = FindWindowState(activeFile);
+  if (!state || state->badgeWindow == nullptr) return;
+  const ThreadDpiAwarenessOf awareness(state->hostWindow);
   WriteLog(LogLevel::Debug, L"updating window pos: " + activeFile);
   RECT office{};
-  if (!GetWindowRect(record->hostWindow, &office)) {
+  if (!GetWindowRect(state->hostWindow, &office)) {
     LogLastError(L"couldn't get parent window rect while updating custom UI for active file");
     return;
   }
-  const Point home = BadgeHomePosition(ToRect(office), DpiOfWindow(record->hostWindow));
+  const Point home = BadgeHomePosition(ToRect(office), DpiOfWindow(state->hostWindow));
   if (!HomePositionUsable(home)) return;
   RECT badge{};
-  if (!GetWindowRect(record->badgeWindow, &badge)) {
+  if (!GetWindowRect(state->badgeWindow, &badge)) {
     LogLastError(L"couldn't get child window rect while updating custom UI for active file");
     return;
   }
   const int width = badge.right - badge.left;
   const int height = badge.bottom - badge.top;
-  WriteLog(LogLevel::Debug, L"posX=" + Number(record->posX) + L" posY=" + Number(record->posY) + L" office left=" +
+  WriteLog(LogLevel::Debug, L"posX=" + Number(state->posX) + L" posY=" + Number(state->posY) + L" office left=" +
                                 Number(office.left) + L" right=" + Number(office.right) + L" top=" +
                                 Number(office.top) + L" bottom=" + Number(office.bottom));
-  if (BadgeStaysInside(ToRect(office), record->posX, record->posY, width, height)) return;
-  if (!MoveWindow(record->badgeWindow, home.x, home.y, width, height, TRUE)) {
+  if (BadgeStaysInside(ToRect(office), state->posX, state->posY, width, height)) return;
+  if (!MoveWindow(state->badgeWindow, home.x, home.y, width, height, TRUE)) {
     LogLastError(L"couldn't move window");
   }
-  cache.Change(activeFile, [&](FileStatusRecord& stored) {
-    stored.posX = home.x;
-    stored.posY = home.y;
-  });
-  if (record->subOverlayWindow) ShowWindow(record->subOverlayWindow, SW_HIDE);  // not moved with the badge
+  state->posX = home.x;
+  state->posY = home.y;
+  if (state->subOverlayWindow) ShowWindow(state->subOverlayWindow, SW_HIDE);  // not moved with the badge
   WriteLog(LogLevel::Debug, L"updated window pos: " + activeFile);
   WriteLog(LogLevel::Debug, L"newPosX=" + Number(home.x) + L" newPosY=" + Number(home.y));
 }
 
-// Every document the host still has open gets this tick's stamp; a cached
-// one without it has been closed behind the add-in's back.
-void StampOpenDocuments(const HostProfile& profile, const std::wstring& stamp) {
+// The full names of the documents the host has open, in key order; a
+// cached one missing from them has been closed behind the add-in's back.
+std::vector<std::wstring> OpenDocumentPaths(const HostProfile& profile) {
   static DispatchName count(L"Count");
   static DispatchName item(L"Item");
   static DispatchName fullName(L"FullName");
+  std::vector<std::wstring> paths;
   const ComPtr<IDispatch> documents =
       GetObjectProperty(HostApplication.get(), DispatchNameFor(profile.documentsMember));
-  if (!documents) return;
+  if (!documents) return paths;
   const long open = GetLongProperty(documents.get(), count);
-  FileStatusCache& cache = TheFileStatusCache();
   for (long i = 1; i <= open; ++i) {
     UniqueVariant index = UniqueVariant::Int32(i);
     UniqueVariant document;
@@ -108,18 +107,18 @@ void StampOpenDocuments(const HostProfile& profile, const std::wstring& stamp) {
                                     document.put());
     if (FAILED(hr)) throw ComError(L"Item", hr);
     if (document.type() != VT_DISPATCH || document.get()->pdispVal == nullptr) continue;
-    const std::wstring name = GetStringProperty(document.get()->pdispVal, fullName, 0);
+    std::wstring name = GetStringProperty(document.get()->pdispVal, fullName, 0);
     WriteLog(LogLevel::Debug, L"open file: " + name);
-    cache.Change(name, [&](FileStatusRecord& record) { record.seenStamp = stamp; });
+    paths.push_back(std::move(name));
   }
+  std::sort(paths.begin(), paths.end());
+  return paths;
 }
 
-// A record the tick cannot handle any more (its document was closed, or
-// the host would not say whether it holds changes): its windows and the
-// record go.
-void DropRecord(const std::wstring& path, FileStatusRecord& working) {
-  DestroyOverlayWindows(working.subOverlayWindow, working.badgeWindow);
-  DestroyRecordOverlays(path);
+// A record the tick cannot handle any more (the host would not say whether
+// it holds changes): its windows and the record go.
+void DropRecord(const std::wstring& path) {
+  DropWindowState(path);
   TheFileStatusCache().RemoveFile(path);
 }
 
@@ -128,11 +127,9 @@ void DropRecord(const std::wstring& path, FileStatusRecord& working) {
 // question with "don't save" (Word and Excel tell add-ins before they ask).
 // That is an ordinary close: its windows and record go, and the sync app
 // hears "isOpen":false once the tick has let the cache lock go.
-void ForgetClosedDocument(const std::wstring& path, FileStatusRecord& working,
-                          std::vector<std::wstring>& closedRequests) {
+void ForgetClosedDocument(const std::wstring& path, std::vector<std::wstring>& closedRequests) {
   WriteLog(LogLevel::Info, L"close file - " + path);
-  DestroyOverlayWindows(working.subOverlayWindow, working.badgeWindow);
-  DestroyRecordOverlays(path);
+  DropWindowState(path);
   const std::wstring request = TheFileStatusCache().CloseRecord(path);
   if (!request.empty()) closedRequests.push_back(request);
 }
@@ -141,54 +138,58 @@ void ForgetClosedDocument(const std::wstring& path, FileStatusRecord& working,
 // window takes that DPI (WM_DPICHANGED goes to Office's own window, not to
 // ours). The overlay built at the old DPI is taken down here and built
 // again by this same pass at the new scale, at the badge's home for it.
-void FollowHostDpi(const std::wstring& path, FileStatusRecord& working) {
-  if (working.badgeWindow == nullptr || working.hostWindow == nullptr) return;
-  const int built = BuiltDpiOf(working.badgeWindow);
+void FollowHostDpi(const std::wstring& path, FileStatusRecord& working, OverlayWindowState& windows) {
+  if (windows.badgeWindow == nullptr || working.hostWindow == nullptr) return;
+  const int built = BuiltDpiOf(windows.badgeWindow);
   const int now = DpiOfWindow(working.hostWindow);
   if (built == 0 || built == now) return;
   WriteLog(LogLevel::Info, L"office window dpi changed from " + Number(built) + L" to " + Number(now) +
                                L", rebuilding overlay: " + path);
-  DestroyOverlayWindows(working.subOverlayWindow, working.badgeWindow);
-  working.posX = 0;
-  working.posY = 0;
+  DestroyOverlayWindows(windows.subOverlayWindow, windows.badgeWindow);
+  windows.posX = 0;
+  windows.posY = 0;
   working.overlayUpToDate = 0;
 }
 
-void UpdateRecord(const std::wstring& path, const std::wstring& stamp, const std::wstring& activeFile,
-                  std::vector<std::wstring>& closedRequests) {
-  FileStatusCache& cache = TheFileStatusCache();
-  const std::optional<FileStatusRecord> before = cache.Find(path);
-  if (!before) return;
-  FileStatusRecord working = *before;
+// One record's pass on the tick's copy; false when the record is gone (or
+// the add-in's own close owns it), so there is nothing to write back.
+bool UpdateRecord(const FileStatusCache::TickEntry& entry, FileStatusRecord& working, const std::wstring& stamp,
+                  const std::wstring& activeFile, bool syncAppHasData, std::vector<std::wstring>& closedRequests) {
+  const std::wstring& path = entry.path;
   // The overlay is measured, built and placed in the Office window's pixels.
   const ThreadDpiAwarenessOf awareness(working.hostWindow);
   // The add-in is closing it for a sync action, and reports that close
   // itself once the host is done.
-  if (working.closingForSyncAction) return;
+  if (working.closingForSyncAction) return false;
   try {
     WriteLog(LogLevel::Debug, L"checking: " + path);
     if (working.seenStamp != stamp) {
-      ForgetClosedDocument(path, working, closedRequests);
-      return;
+      ForgetClosedDocument(path, closedRequests);
+      return false;
     }
-    FollowHostDpi(path, working);
     const bool editing = HasUnsavedChanges(working.document);
     WriteLog(LogLevel::Debug, L"checked: " + path);
     const bool editingChanged = editing != (working.isEditing != 0);
     working.isEditing = editing ? 1 : 0;
-    RecordPass pass{path, activeFile, cache.syncAppHasData.load(), editingChanged};
-    UpdateRecordOverlays(pass, working);
-    cache.StoreUiChanges(path, *before, working);
+    const SharedWindowState windows = WindowStateFor(path, working.hostWindow);
+    FollowHostDpi(path, working, *windows);
+    RecordPass pass{path, activeFile, syncAppHasData, editingChanged};
+    UpdateRecordOverlays(pass, working, *windows);
+    return true;
   } catch (const std::exception& e) {
     WriteLog(LogLevel::Error, L"std exception occurred while checking unsaved changes exists or not - " + path +
                                   L", error=" + Widen(e.what()));
-    DropRecord(path, working);
   } catch (...) {
     WriteLog(LogLevel::Error, L"unknown exception occurred while checking unsaved changes exists or not: " + path);
-    DropRecord(path, working);
   }
+  DropRecord(path);
+  return false;
 }
 
+// The cache's lock is taken a fixed number of times, whatever the number
+// of documents: once to copy every record, once to write back what the
+// pass changed (and once per document closed behind the add-in's back).
+// The windows, the host's objects and the log are all worked outside it.
 void Tick(DocumentRecorder recordDocument, std::vector<std::wstring>& closedRequests) {
   const HostProfile* profile = CurrentHostProfile();
   if (profile == nullptr || !HostApplication) return;
@@ -196,9 +197,26 @@ void Tick(DocumentRecorder recordDocument, std::vector<std::wstring>& closedRequ
   const std::wstring activeFile = FindActiveFile(*profile, recordDocument);
   WriteLog(LogLevel::Debug, L"active file: " + activeFile);
   KeepActiveBadgeInside(activeFile);
-  StampOpenDocuments(*profile, stamp);
-  // A path list taken now: a record dropped on the way is simply passed.
-  for (const std::wstring& path : TheFileStatusCache().Paths()) UpdateRecord(path, stamp, activeFile, closedRequests);
+  FileStatusCache& cache = TheFileStatusCache();
+  const std::vector<FileStatusCache::TickEntry> entries = cache.TakeForTick(OpenDocumentPaths(*profile), stamp);
+  // The windows of files no longer cached go.
+  std::vector<std::wstring> cached;
+  cached.reserve(entries.size());
+  for (const auto& entry : entries) cached.push_back(entry.path);
+  KeepWindowStatesOf(cached);
+
+  const bool syncAppHasData = cache.syncAppHasData.load();
+  std::vector<FileStatusRecord> working;
+  working.reserve(entries.size());
+  std::vector<FileStatusCache::UiChange> changes;
+  changes.reserve(entries.size());
+  for (const auto& entry : entries) {
+    working.push_back(entry.record);
+    if (UpdateRecord(entry, working.back(), stamp, activeFile, syncAppHasData, closedRequests)) {
+      changes.push_back({&entry.path, &entry.record, &working.back()});
+    }
+  }
+  cache.StoreUiChangesOfAll(changes);
 }
 }  // namespace
 

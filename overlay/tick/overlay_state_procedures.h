@@ -6,6 +6,7 @@
 // Works on the tick's copy of the record; the tick stores it back.
 #include <string>
 
+#include "overlay/windows/overlay_window_state.h"
 #include "synclink/file_status_record.h"
 
 struct RecordPass {
@@ -16,4 +17,5 @@ struct RecordPass {
   bool editingChanged;
 };
 
-void UpdateRecordOverlays(const RecordPass& pass, FileStatusRecord& record);
+// Works on the tick's copy of the record and on the file's window state.
+void UpdateRecordOverlays(const RecordPass& pass, FileStatusRecord& record, OverlayWindowState& windows);

@@ -9,6 +9,7 @@
 #include "common/gdi_guards.h"
 #include "common/module_activation_context.h"
 #include "common/module_instance.h"
+#include "common/unique_window.h"
 #include "log/exception_barrier.h"
 #include "log/log_last_error.h"
 #include "log/write_log.h"
@@ -23,6 +24,7 @@
 #include "overlay/windows/text_extents.h"
 #include "overlay/images/overlay_images.h"
 #include "overlay/images/panel_bitmaps.h"
+#include "overlay/windows/overlay_window_state.h"
 #include "overlay/windows/window_dpi.h"
 
 namespace {
@@ -33,25 +35,6 @@ Rect ToRect(const RECT& r) { return {r.left, r.top, r.right, r.bottom}; }
 bool NeedsModuleActivation(const wchar_t* className) {
   return lstrcmpiW(className, kSysLinkClass) == 0 || lstrcmpiW(className, kProgressBarClass) == 0;
 }
-
-// A window that is destroyed unless the build gets to the end: a panel
-// that failed half-way is of no use to anyone and must not linger hidden.
-class PartialWindow {
- public:
-  ~PartialWindow() {
-    if (window_) DestroyWindow(window_);
-  }
-  void reset(HWND window) { window_ = window; }
-  HWND get() const { return window_; }
-  HWND release() {
-    HWND window = window_;
-    window_ = nullptr;
-    return window;
-  }
-
- private:
-  HWND window_ = nullptr;
-};
 
 // The bitmap an image step shows and whether the panel owns it.
 struct StepImage {
@@ -182,7 +165,8 @@ PanelLayout FittedToTexts(const PanelLayout& scaled, int dpi) {
                               MeasureLayoutTexts(scaled, [dpi](const LayoutStep& step) { return FontOf(step, dpi); }));
 }
 
-HWND Build(const PanelLayout& designed, HWND officeWindow, HWND badgeWindow, Point at, HBITMAP driveBitmap) {
+HWND Build(const PanelLayout& designed, HWND officeWindow, HWND badgeWindow, Point at, HBITMAP driveBitmap,
+           OverlayWindowState* state) {
   if (!designed.IsBuildable()) return nullptr;
   // The layouts are written for 96 DPI; every rectangle, font and picture
   // is scaled here, in one step, for the Office window's DPI, and then
@@ -205,13 +189,16 @@ HWND Build(const PanelLayout& designed, HWND officeWindow, HWND badgeWindow, Poi
     place = PlaceSubOverlay(ToRect(office), ToRect(badge), layout.width, layout.createHeight);
   }
 
+  // A panel belongs to the file of the badge it opens from.
+  if (state == nullptr && againstBadge) state = WindowStateOf(badgeWindow);
   // A panel's window text is its title: what screen readers call it. No
   // caption bar draws it.
   const std::wstring name = againstBadge ? PanelAccessibleName(layout) : std::wstring();
-  PartialWindow window;
-  window.reset(CreateWindowExW(layout.exStyle, layout.className, name.empty() ? nullptr : name.c_str(), layout.style, place.x, place.y, layout.width,
-                               layout.createHeight, againstBadge ? badgeWindow : officeWindow, nullptr,
-                               ModuleInstance(), nullptr));
+  // Destroyed unless the build gets to the end: a panel that failed
+  // half-way is of no use to anyone and must not linger hidden.
+  UniqueWindow window(CreateWindowExW(layout.exStyle, layout.className, name.empty() ? nullptr : name.c_str(),
+                                      layout.style, place.x, place.y, layout.width, layout.createHeight,
+                                      againstBadge ? badgeWindow : officeWindow, nullptr, ModuleInstance(), state));
   if (window.get() == nullptr) {
     LogLastErrorText(layout.windowFailureText);
     return nullptr;
@@ -242,9 +229,10 @@ HWND Build(const PanelLayout& designed, HWND officeWindow, HWND badgeWindow, Poi
 }
 }  // namespace
 
-HWND BuildLayout(const PanelLayout& layout, HWND officeWindow, HWND badgeWindow, Point at, HBITMAP driveBitmap) {
+HWND BuildLayout(const PanelLayout& layout, HWND officeWindow, HWND badgeWindow, Point at, HBITMAP driveBitmap,
+                 OverlayWindowState* state) {
   const wchar_t* activity = layout.exceptionActivity ? layout.exceptionActivity : L"creating overlay UI";
   const ThreadDpiAwarenessOf awareness(officeWindow);
   return Guarded(activity, static_cast<HWND>(nullptr),
-                 [&] { return Build(layout, officeWindow, badgeWindow, at, driveBitmap); });
+                 [&] { return Build(layout, officeWindow, badgeWindow, at, driveBitmap, state); });
 }

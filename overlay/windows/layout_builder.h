@@ -15,5 +15,8 @@
 // Panels are placed against `badgeWindow` inside `officeWindow` and owned
 // by the badge; status overlays go at `at` and are owned by the Office
 // window. `driveBitmap` is the picture of a status overlay's drive image
-// (the caller's; not freed here).
-HWND BuildLayout(const PanelLayout& layout, HWND officeWindow, HWND badgeWindow, Point at, HBITMAP driveBitmap);
+// (the caller's; not freed here). The window is bound to `state` (a panel
+// without one, to its badge's) from WM_NCCREATE on.
+struct OverlayWindowState;
+HWND BuildLayout(const PanelLayout& layout, HWND officeWindow, HWND badgeWindow, Point at, HBITMAP driveBitmap,
+                 OverlayWindowState* state = nullptr);

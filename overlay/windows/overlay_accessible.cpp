@@ -1,4 +1,5 @@
 #include "overlay/windows/overlay_accessible.h"
+#include "overlay/windows/overlay_window_state.h"
 
 #include <commctrl.h>
 #include <oleacc.h>
@@ -13,7 +14,6 @@
 #include "log/write_log.h"
 #include "overlay/layouts/accessible_names.h"
 #include "overlay/windows/window_class_names.h"
-#include "synclink/file_status_cache.h"
 
 namespace {
 volatile LONG liveObjects = 0;
@@ -35,12 +35,11 @@ bool IsOverlayWindow(HWND window) {
   return std::wstring(name).compare(0, prefix.size(), prefix) == 0;
 }
 
+// The badge's own state says what it shows: no cache lookup, and only
+// the UI thread (where screen readers' calls arrive) touches it.
 OverlayKind KindOfBadge(HWND badge) {
-  FileStatusCache& cache = TheFileStatusCache();
-  const std::optional<std::wstring> path = cache.PathOfWindow(badge, FileStatusCache::WindowRole::Badge);
-  if (!path) return OverlayKind::None;
-  const std::optional<FileStatusRecord> record = cache.Find(*path);
-  return record ? static_cast<OverlayKind>(record->overlayKind) : OverlayKind::None;
+  const OverlayWindowState* state = WindowStateOf(badge);
+  return state ? static_cast<OverlayKind>(state->overlayKind) : OverlayKind::None;
 }
 
 bool IsSelf(const VARIANT& child) { return child.vt == VT_I4 && child.lVal == CHILDID_SELF; }

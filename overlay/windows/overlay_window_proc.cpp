@@ -16,32 +16,27 @@
 #include "overlay/windows/overlay_fonts.h"
 #include "overlay/layouts/overlay_geometry.h"
 #include "overlay/images/panel_bitmaps.h"
+#include "overlay/windows/overlay_window_state.h"
 #include "overlay/windows/panel_commands.h"
-#include "synclink/file_status_cache.h"
 
 namespace {
-using Role = FileStatusCache::WindowRole;
-
 Rect ToRect(const RECT& r) { return {r.left, r.top, r.right, r.bottom}; }
 
 std::wstring Number(long value) { return std::to_wstring(value); }
 
-// The file a badge or panel belongs to, with a copy of its record.
-struct Owner {
-  std::wstring path;
-  FileStatusRecord record;
-};
-std::optional<Owner> OwnerOf(HWND window, Role role) {
-  FileStatusCache& cache = TheFileStatusCache();
-  const std::optional<std::wstring> path = cache.PathOfWindow(window, role);
-  if (!path) return std::nullopt;
-  std::optional<FileStatusRecord> record = cache.Find(*path);
-  if (!record) return std::nullopt;
-  return Owner{*path, std::move(*record)};
+// The state of the file whose badge (or panel) `window` is; null for any
+// other window.
+OverlayWindowState* BadgeStateOf(HWND window) {
+  OverlayWindowState* state = WindowStateOf(window);
+  return state != nullptr && state->badgeWindow == window ? state : nullptr;
+}
+OverlayWindowState* PanelStateOf(HWND window) {
+  OverlayWindowState* state = WindowStateOf(window);
+  return state != nullptr && state->subOverlayWindow == window ? state : nullptr;
 }
 
-void GiveActivationBack(const FileStatusRecord& record) {
-  if (record.hostWindow) SetActiveWindow(record.hostWindow);
+void GiveActivationBack(const OverlayWindowState& state) {
+  if (state.hostWindow) SetActiveWindow(state.hostWindow);
 }
 
 LRESULT OnDestroy(HWND window) {
@@ -52,8 +47,8 @@ LRESULT OnDestroy(HWND window) {
   // for another document's window would bring that document to the front
   // under the user's typing, and would pull it from Office's own dialogs.
   if (GetActiveWindow() != window) return 0;
-  if (const std::optional<Owner> owner = OwnerOf(window, Role::Panel)) {
-    GiveActivationBack(owner->record);
+  if (const OverlayWindowState* state = PanelStateOf(window)) {
+    GiveActivationBack(*state);
     WriteLog(LogLevel::Debug, L"WM_DESTROY suboverlay wnd is not active now");
   }
   return 0;
@@ -69,25 +64,23 @@ LRESULT OnNotify(HWND window, const NMHDR& header) {
   const auto& link = reinterpret_cast<const NMLINK&>(header);
   if (!IsLinkClickFromOwnLink(window, link)) return 0;
   OpenHelpLink(link.item.szUrl);
-  if (const std::optional<Owner> owner = OwnerOf(window, Role::Panel)) {
-    GiveActivationBack(owner->record);
+  if (const OverlayWindowState* state = PanelStateOf(window)) {
+    GiveActivationBack(*state);
     WriteLog(LogLevel::Debug, L"WM_NOTIFY suboverlay wnd is not active now");
   }
   return 0;
 }
 
 LRESULT OnLeftButtonDown(HWND window, LPARAM lParam) {
-  const std::optional<std::wstring> path = TheFileStatusCache().PathOfWindow(window, Role::Badge);
-  if (!path) return 0;
+  OverlayWindowState* state = BadgeStateOf(window);
+  if (state == nullptr) return 0;
   WriteLog(LogLevel::Debug, L"                WM_LBUTTONDOWN");
   POINT cursor{GET_X_LPARAM(lParam), GET_Y_LPARAM(lParam)};
   ClientToScreen(window, &cursor);
-  TheFileStatusCache().Change(*path, [&](FileStatusRecord& record) {
-    record.buttonDown = 1;
-    record.dragged = 0;
-    record.pressX = cursor.x;
-    record.pressY = cursor.y;
-  });
+  state->buttonDown = 1;
+  state->dragged = 0;
+  state->pressX = cursor.x;
+  state->pressY = cursor.y;
   SetCapture(window);
   return 0;
 }
@@ -100,18 +93,16 @@ std::wstring PositionText(const wchar_t* when, long x, long y, const RECT& offic
 
 // The press is over: a later move over the badge, with or without the
 // button, must not carry it along.
-void EndDrag(const std::wstring& path) {
-  TheFileStatusCache().Change(path, [](FileStatusRecord& record) {
-    record.buttonDown = 0;
-    record.dragged = 0;
-  });
+void EndDrag(OverlayWindowState& state) {
+  state.buttonDown = 0;
+  state.dragged = 0;
 }
 
 // The badge lost the mouse before its button-up reached it: an Office
 // dialog took the capture, the tick destroyed the badge, or the button went
 // up where the badge could not hear it.
 void EndDragOf(HWND window) {
-  if (const std::optional<std::wstring> path = TheFileStatusCache().PathOfWindow(window, Role::Badge)) EndDrag(*path);
+  if (OverlayWindowState* state = BadgeStateOf(window)) EndDrag(*state);
 }
 
 // Drags the badge so it stays centred on the cursor; a move that would
@@ -120,21 +111,21 @@ void EndDragOf(HWND window) {
 // stays a click.
 LRESULT OnMouseMove(HWND window, WPARAM wParam, LPARAM lParam) {
   WriteLog(LogLevel::Debug, L"                WM_MOUSEMOVE");
-  const std::optional<Owner> owner = OwnerOf(window, Role::Badge);
-  if (!owner || !owner->record.buttonDown) return 0;
+  OverlayWindowState* state = BadgeStateOf(window);
+  if (state == nullptr || !state->buttonDown) return 0;
   if ((wParam & MK_LBUTTON) == 0) {
-    EndDrag(owner->path);
+    EndDrag(*state);
     if (GetCapture() == window) ReleaseCapture();
     return 0;
   }
   POINT cursor{GET_X_LPARAM(lParam), GET_Y_LPARAM(lParam)};
   ClientToScreen(window, &cursor);
-  if (!owner->record.dragged) {
-    const Point press{owner->record.pressX, owner->record.pressY};
+  if (!state->dragged) {
+    const Point press{state->pressX, state->pressY};
     if (!LeavesDragRectangle(press, {cursor.x, cursor.y}, GetSystemMetrics(SM_CXDRAG), GetSystemMetrics(SM_CYDRAG))) {
       return 0;
     }
-    TheFileStatusCache().Change(owner->path, [](FileStatusRecord& record) { record.dragged = 1; });
+    state->dragged = 1;
   }
   RECT badge{};
   if (!GetWindowRect(window, &badge)) {
@@ -142,7 +133,7 @@ LRESULT OnMouseMove(HWND window, WPARAM wParam, LPARAM lParam) {
     return 0;
   }
   RECT office{};
-  if (!GetWindowRect(owner->record.hostWindow, &office)) {
+  if (!GetWindowRect(state->hostWindow, &office)) {
     LogLastError(L"couldn't get window rect while moving window");
     return 0;
   }
@@ -155,10 +146,8 @@ LRESULT OnMouseMove(HWND window, WPARAM wParam, LPARAM lParam) {
       LogLastError(L"couldn't move window");
       return 0;
     }
-    TheFileStatusCache().Change(owner->path, [&](FileStatusRecord& record) {
-      record.posX = target.x;
-      record.posY = target.y;
-    });
+    state->posX = target.x;
+    state->posY = target.y;
   }
   WriteLog(LogLevel::Debug, PositionText(L"after", target.x, target.y, office));
   return 0;
@@ -166,61 +155,58 @@ LRESULT OnMouseMove(HWND window, WPARAM wParam, LPARAM lParam) {
 
 // Opens the panel next to the badge: above it, right edges aligned, unless
 // that would leave the Office window.
-void PlaceAndShowPanel(const FileStatusRecord& record) {
+void PlaceAndShowPanel(const OverlayWindowState& state) {
   RECT office{};
-  if (!GetWindowRect(record.hostWindow, &office)) {
+  if (!GetWindowRect(state.hostWindow, &office)) {
     LogLastError(L"couldn't get ms office window rect while repositioning sub overlay UI");
     return;
   }
   RECT badge{};
-  if (!GetWindowRect(record.badgeWindow, &badge)) {
+  if (!GetWindowRect(state.badgeWindow, &badge)) {
     LogLastError(L"couldn't get parent window rect while repositioning sub overlay UI");
     return;
   }
   RECT panel{};
-  if (!GetWindowRect(record.subOverlayWindow, &panel)) {
+  if (!GetWindowRect(state.subOverlayWindow, &panel)) {
     LogLastError(L"couldn't get window rect while repositioning sub overlay UI");
     return;
   }
   const int width = panel.right - panel.left;
   const int height = panel.bottom - panel.top;
   const Point place = PlaceSubOverlay(ToRect(office), ToRect(badge), width, height);
-  if (!MoveWindow(record.subOverlayWindow, place.x, place.y, width, height, TRUE)) {
+  if (!MoveWindow(state.subOverlayWindow, place.x, place.y, width, height, TRUE)) {
     LogLastError(L"couldn't reposition sub overlay UI");
     return;
   }
-  ShowWindow(record.subOverlayWindow, SW_SHOWNA);
+  ShowWindow(state.subOverlayWindow, SW_SHOWNA);
 }
 
 LRESULT OnLeftButtonUp(HWND window) {
-  if (const std::optional<Owner> owner = OwnerOf(window, Role::Badge)) {
+  if (OverlayWindowState* state = BadgeStateOf(window)) {
     WriteLog(LogLevel::Debug, L"                WM_LBUTTONUP (overlay wnd)");
-    const bool dragged = owner->record.dragged != 0;
-    TheFileStatusCache().Change(owner->path, [](FileStatusRecord& record) {
-      record.buttonDown = 0;
-      record.dragged = 0;
-    });
+    const bool dragged = state->dragged != 0;
+    EndDrag(*state);
     if (dragged) {
       ReleaseCapture();
       return 0;
     }
     WriteLog(LogLevel::Debug, L"                click event");
-    if (HWND panel = owner->record.subOverlayWindow) {
+    if (HWND panel = state->subOverlayWindow) {
       if (IsWindowVisible(panel)) {
         WriteLog(LogLevel::Debug, L"                click event = ALREADY VISIBLE");
         ShowWindow(panel, SW_HIDE);
       } else {
         WriteLog(LogLevel::Debug, L"                click event = ALREADY NOT VISIBLE");
-        PlaceAndShowPanel(owner->record);
+        PlaceAndShowPanel(*state);
       }
     }
-    GiveActivationBack(owner->record);
+    GiveActivationBack(*state);
     ReleaseCapture();
     return 0;
   }
-  if (const std::optional<Owner> owner = OwnerOf(window, Role::Panel)) {
+  if (const OverlayWindowState* state = PanelStateOf(window)) {
     WriteLog(LogLevel::Debug, L"                WM_LBUTTONUP (suboverlay wnd)");
-    GiveActivationBack(owner->record);
+    GiveActivationBack(*state);
     ReleaseCapture();
   }
   return 0;
@@ -229,6 +215,9 @@ LRESULT OnLeftButtonUp(HWND window) {
 // Returns true with `result` set for the messages handled here.
 bool Handle(HWND window, UINT message, WPARAM wParam, LPARAM lParam, LRESULT& result) {
   switch (message) {
+    case WM_NCCREATE:
+      BindWindowState(window, lParam);
+      return false;
     case WM_CREATE:
       result = 0;
       return true;
@@ -236,12 +225,11 @@ bool Handle(HWND window, UINT message, WPARAM wParam, LPARAM lParam, LRESULT& re
       result = OnDestroy(window);
       return true;
     case WM_NCDESTROY:
-      // The record forgets the window the moment it is gone, and the
-      // panel's own pictures go with it. A badge destroyed in the middle of
-      // a drag ends it: its successor must not follow the cursor.
+      // The state forgets the window the moment it is gone, and the panel's
+      // own pictures go with it. A badge destroyed in the middle of a drag
+      // ends it: its successor must not follow the cursor.
       ReleasePanelBitmaps(window);
-      EndDragOf(window);
-      TheFileStatusCache().ForgetWindow(window);
+      UnbindWindowState(window);
       return false;
     case WM_PAINT: {
       // The content is the layered picture or the children; nothing to draw.

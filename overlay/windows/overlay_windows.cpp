@@ -1,6 +1,6 @@
 #include "overlay/windows/overlay_windows.h"
 
-#include "synclink/file_status_cache.h"
+#include "overlay/windows/overlay_window_states.h"
 
 namespace {
 // Whether the active window is `window` or one it owns (a badge's panel).
@@ -23,29 +23,25 @@ void HandActivationBackFrom(HWND window) {
   if (office != nullptr && office != window) SetActiveWindow(office);
 }
 
-void HideAndDestroy(HWND& window) {
+}  // namespace
+
+void DestroyOverlayWindow(HWND& window) {
   if (window == nullptr) return;
   HandActivationBackFrom(window);
   ShowWindow(window, SW_HIDE);
   DestroyWindow(window);
   window = nullptr;
 }
-}  // namespace
 
 void DestroyOverlayWindows(HWND& panel, HWND& badge) {
-  HideAndDestroy(panel);
-  HideAndDestroy(badge);
+  DestroyOverlayWindow(panel);
+  DestroyOverlayWindow(badge);
 }
 
 void DestroyRecordOverlays(const std::wstring& path) {
-  FileStatusCache& cache = TheFileStatusCache();
-  const std::optional<FileStatusRecord> record = cache.Find(path);
-  if (!record) return;
-  HWND panel = record->subOverlayWindow;
-  HWND badge = record->badgeWindow;
-  DestroyOverlayWindows(panel, badge);
-  cache.Change(path, [&](FileStatusRecord& stored) {
-    if (stored.subOverlayWindow == record->subOverlayWindow) stored.subOverlayWindow = nullptr;
-    if (stored.badgeWindow == record->badgeWindow) stored.badgeWindow = nullptr;
-  });
+  // The state stays (the badge's place and kind): should the document stay
+  // open after all, the next tick draws it again from there.
+  if (const SharedWindowState state = FindWindowState(path)) {
+    DestroyOverlayWindows(state->subOverlayWindow, state->badgeWindow);
+  }
 }

@@ -3,11 +3,14 @@
 
 #include <string>
 
-// Takes overlay windows down: the panel first, then the badge, each hidden
-// before it is destroyed, and each handle forgotten the moment its window
-// is gone. Either handle may be null.
+// Takes one overlay window down: hidden (handing the activation back to
+// its Office window if it held it), destroyed, and the handle forgotten.
+// A null handle is left alone.
+void DestroyOverlayWindow(HWND& window);
+
+// The panel first, then the badge, each as above. Either may be null.
 void DestroyOverlayWindows(HWND& panel, HWND& badge);
 
-// The same for the windows of the cached record under `path`; the record
-// no longer names them afterwards.
+// The same for the windows of the file under `path`; its overlay state no
+// longer names them afterwards.
 void DestroyRecordOverlays(const std::wstring& path);

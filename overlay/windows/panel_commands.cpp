@@ -9,6 +9,7 @@
 #include "docactions/save_separate_copy.h"
 #include "docactions/unsaved_changes.h"
 #include "log/write_log.h"
+#include "overlay/windows/overlay_window_states.h"
 #include "overlay/windows/overlay_windows.h"
 #include "overlay/windows/panels.h"
 #include "synclink/file_status_cache.h"
@@ -16,11 +17,13 @@
 #include "synclink/sync_app_pipe.h"
 
 namespace {
-// The file whose panel was pressed: its path and the record as it was.
+// The file whose panel was pressed: its path, the record as it was and its
+// windows (held, so a close that drops them leaves the state readable).
 struct Pressed {
   HWND panel;
   std::wstring path;
   FileStatusRecord record;
+  SharedWindowState windows;
 };
 
 FileStatusCache& Cache() { return TheFileStatusCache(); }
@@ -34,27 +37,24 @@ void Info(const wchar_t* text, const Pressed& pressed) { WriteLog(LogLevel::Info
 // The new panel takes the pressed one's place and is shown at once.
 void ReplacePanel(const Pressed& pressed, HWND panel) {
   HWND old = pressed.panel;
-  HWND none = nullptr;
-  DestroyOverlayWindows(old, none);
-  Store(pressed, [&](FileStatusRecord& record) { record.subOverlayWindow = panel; });
+  DestroyOverlayWindow(old);
+  pressed.windows->subOverlayWindow = panel;
   if (panel) ShowWindow(panel, SW_SHOWNA);
 }
 
 // The error panel of a save that could not be made; the next tick that
 // reaches the download or rename/move step leaves it on screen.
 void ShowErrorPanel(const Pressed& pressed, bool readOnly) {
-  Store(pressed, [](FileStatusRecord& record) { record.skipNextUpdate = 1; });
-  ReplacePanel(pressed, CreateErrorMessagePanel(pressed.record.hostWindow, pressed.record.badgeWindow, readOnly));
+  Store(pressed, [](FileStatusRecord& record) { record.choices.Set(UserChoice::skipNextUpdate); });
+  ReplacePanel(pressed, CreateErrorMessagePanel(pressed.record.hostWindow, pressed.windows->badgeWindow, readOnly));
 }
 
 void HideBadge(const Pressed& pressed) {
-  if (pressed.record.badgeWindow) ShowWindow(pressed.record.badgeWindow, SW_HIDE);
+  if (pressed.windows->badgeWindow) ShowWindow(pressed.windows->badgeWindow, SW_HIDE);
 }
 
 void DestroyBadge(const Pressed& pressed) {
-  HWND none = nullptr;
-  HWND badge = pressed.record.badgeWindow;
-  DestroyOverlayWindows(none, badge);
+  DestroyOverlayWindow(pressed.windows->badgeWindow);
 }
 
 // Once the host has really closed the document: its windows go, and one
@@ -63,11 +63,11 @@ void DestroyBadge(const Pressed& pressed) {
 // never in the cache before this moment, so no cycle of the update thread
 // can report a reload, resolve or rename whose save or close then fails.
 void ReportClosedForSyncAction(const Pressed& pressed, bool hadUnsavedChanges,
-                               std::uint32_t FileStatusRecord::*flag) {
+                               UserChoice flag) {
   WriteLog(LogLevel::Info, (hadUnsavedChanges ? L"we close this file to sync event - " : L"close file - ") + pressed.path);
-  DestroyRecordOverlays(pressed.path);
+  DropWindowState(pressed.path);
   Store(pressed, [&](FileStatusRecord& record) {
-    record.*flag = 1;
+    record.choices.Set(flag);
     record.closingForSyncAction = 0;
   });
   std::wstring request = Cache().CloseRecord(pressed.path);
@@ -75,7 +75,7 @@ void ReportClosedForSyncAction(const Pressed& pressed, bool hadUnsavedChanges,
     // The record went while the host was busy closing: the sync app still
     // hears of the close and the choice, from the record as it was.
     FileStatusRecord last = pressed.record;
-    last.*flag = 1;
+    last.choices.Set(flag);
     last.isOpen = 0;
     request = kRequestStart;
     AppendRequestObject(request, pressed.path, last, false, OfficeApp);
@@ -89,7 +89,7 @@ void ReportClosedForSyncAction(const Pressed& pressed, bool hadUnsavedChanges,
 // question the user cancelled, a host or another add-in that refused)
 // leaves the document open, perhaps with the user's changes in it, and the
 // sync app hears nothing of the choice.
-bool CloseForSyncAction(const Pressed& pressed, CloseMode mode, std::uint32_t FileStatusRecord::*flag) {
+bool CloseForSyncAction(const Pressed& pressed, CloseMode mode, UserChoice flag) {
   // A save-then-close saves first: what the host closes holds no changes.
   const bool unsaved = mode != CloseMode::SaveThenClose && HasUnsavedChanges(pressed.record.document);
   const auto notClosing = [](FileStatusRecord& record) { record.closingForSyncAction = 0; };
@@ -129,20 +129,20 @@ void AfterSaveThenCloseFailed(const Pressed& pressed) {
 // until the sync app has it.
 void Download(const Pressed& pressed) {
   Store(pressed, [](FileStatusRecord& record) {
-    record.downloadRequested = 1;
+    record.choices.Set(UserChoice::downloadRequested);
     record.overlayUpToDate = 0;
   });
   if (GetDlgItem(pressed.panel, 4001) == nullptr) {
     Info(L"download - user not editing - so save separate copy checkbox not available: ", pressed);
   } else if (SendDlgItemMessageW(pressed.panel, 4001, BM_GETCHECK, 0, 0) == BST_CHECKED) {
     Info(L"download - save separate copy checkbox checked: ", pressed);
-    Store(pressed, [](FileStatusRecord& record) { record.saveSeparateCopy = 1; });
+    Store(pressed, [](FileStatusRecord& record) { record.choices.Set(UserChoice::saveSeparateCopy); });
   } else {
     Info(L"download - save separate copy checkbox not checked: ", pressed);
   }
   const bool editing = HasUnsavedChanges(pressed.record.document);
   const SyncReport& sync = pressed.record.sync;
-  ReplacePanel(pressed, CreateDownloadPanel(pressed.record.hostWindow, pressed.record.badgeWindow,
+  ReplacePanel(pressed, CreateDownloadPanel(pressed.record.hostWindow, pressed.windows->badgeWindow,
                                             sync.last_modified_by_quid, sync.last_modified_by,
                                             sync.last_modified_time, editing, true));
 }
@@ -151,8 +151,7 @@ void Download(const Pressed& pressed) {
 // first asked what becomes of them.
 void Reload(const Pressed& pressed) {
   HWND panel = pressed.panel;
-  HWND none = nullptr;
-  DestroyOverlayWindows(panel, none);
+  DestroyOverlayWindow(panel);
   if (HasUnsavedChanges(pressed.record.document)) {
     Info(L"download ask save copy or not UI shown: ", pressed);
     // The question stays until the user answers it: the tick leaves the
@@ -160,27 +159,27 @@ void Reload(const Pressed& pressed) {
     // who chose the separate copy, and while reloadPromptAskSave is set for
     // one who did not.
     Store(pressed, [](FileStatusRecord& record) {
-      record.reloadPromptPlain = record.saveSeparateCopy != 0 ? 1 : 0;
-      record.reloadPromptAskSave = 1;
+      record.choices.Set(UserChoice::reloadPromptPlain, record.choices.Has(UserChoice::saveSeparateCopy));
+      record.choices.Set(UserChoice::reloadPromptAskSave);
     });
-    ReplacePanel(pressed, CreateConfirmLeavePanel(pressed.record.hostWindow, pressed.record.badgeWindow, true, false,
+    ReplacePanel(pressed, CreateConfirmLeavePanel(pressed.record.hostWindow, pressed.windows->badgeWindow, true, false,
                                                   true, false, false));
     return;
   }
   Info(L"download reload file in progress: ", pressed);
   DestroyBadge(pressed);
   Store(pressed, [](FileStatusRecord& record) {
-    record.reloadPromptPlain = 0;
-    record.reloadPromptAskSave = 0;
+    record.choices.Set(UserChoice::reloadPromptPlain, false);
+    record.choices.Set(UserChoice::reloadPromptAskSave, false);
   });
   // The close's own request tells the sync app the user wants the web
   // version.
-  const bool closed = CloseForSyncAction(pressed, CloseMode::CloseLettingTheHostAsk, &FileStatusRecord::retryModify);
+  const bool closed = CloseForSyncAction(pressed, CloseMode::CloseLettingTheHostAsk, UserChoice::retryModify);
   if (!closed) ShowAgainAtNextTick(pressed);
   if (!closed && Cache().Contains(pressed.path) && HasUnsavedChanges(pressed.record.document)) {
     // The host's own save question is still open: the user kept the file.
     Info(L"download ask save copy or not UI shown: ", pressed);
-    Store(pressed, [](FileStatusRecord& record) { record.reloadPromptAskSave = 1; });
+    Store(pressed, [](FileStatusRecord& record) { record.choices.Set(UserChoice::reloadPromptAskSave); });
   }
   WriteLog(LogLevel::Info, L"download reload completed");
 }
@@ -194,15 +193,15 @@ void SaveCopyAndReload(const Pressed& pressed) {
   if (!SaveSeparateCopy(pressed.record.document)) {
     ShowErrorPanel(pressed, false);
     Store(pressed, [](FileStatusRecord& record) {
-      record.reloadPromptAskSave = 0;
-      record.retryModify = 0;
+      record.choices.Set(UserChoice::reloadPromptAskSave, false);
+      record.choices.Set(UserChoice::retryModify, false);
       record.overlayUpToDate = 0;
     });
     return;
   }
   HideBadge(pressed);
   Store(pressed, [](FileStatusRecord& record) { record.overlayUpToDate = 0; });
-  if (!CloseForSyncAction(pressed, CloseMode::CloseWithoutSaving, &FileStatusRecord::retryModify)) {
+  if (!CloseForSyncAction(pressed, CloseMode::CloseWithoutSaving, UserChoice::retryModify)) {
     // The copy is made; the document stays open and the next tick shows
     // the question again.
     WriteLog(LogLevel::Error, L"couldn't close file after saving separate copy: " + pressed.path);
@@ -213,7 +212,7 @@ void SaveCopyAndReload(const Pressed& pressed) {
 // 3005: reload and let the changes go.
 void DiscardAndReload(const Pressed& pressed) {
   Info(L"download with discard changes in progress: ", pressed);
-  if (!CloseForSyncAction(pressed, CloseMode::CloseWithoutSaving, &FileStatusRecord::retryModify)) {
+  if (!CloseForSyncAction(pressed, CloseMode::CloseWithoutSaving, UserChoice::retryModify)) {
     ShowAgainAtNextTick(pressed);
   }
 }
@@ -226,10 +225,10 @@ void AskBeforeResolving(const Pressed& pressed) {
                : L"resolve conflict - Continue UI shown: ",
        pressed);
   Store(pressed, [&](FileStatusRecord& record) {
-    record.resolveConflictClicked = 1;
-    record.conflictAskShown = editing ? 1 : 0;
+    record.choices.Set(UserChoice::resolveConflictClicked);
+    record.choices.Set(UserChoice::conflictAskShown, editing);
   });
-  ReplacePanel(pressed, CreateConfirmLeavePanel(pressed.record.hostWindow, pressed.record.badgeWindow, editing, true,
+  ReplacePanel(pressed, CreateConfirmLeavePanel(pressed.record.hostWindow, pressed.windows->badgeWindow, editing, true,
                                                 false, false, false));
 }
 
@@ -238,11 +237,11 @@ void AskBeforeFollowing(const Pressed& pressed) {
   Info(editing ? L"rename/move - ask whether to save changes or not UI shown: " : L"rename/move - Continue UI shown: ",
        pressed);
   Store(pressed, [&](FileStatusRecord& record) {
-    record.renameMoveClicked = 1;
-    record.renameMoveAskShown = editing ? 1 : 0;
+    record.choices.Set(UserChoice::renameMoveClicked);
+    record.choices.Set(UserChoice::renameMoveAskShown, editing);
   });
   const SyncReport& sync = pressed.record.sync;
-  ReplacePanel(pressed, CreateConfirmLeavePanel(pressed.record.hostWindow, pressed.record.badgeWindow, editing, false,
+  ReplacePanel(pressed, CreateConfirmLeavePanel(pressed.record.hostWindow, pressed.windows->badgeWindow, editing, false,
                                                 false, sync.is_rename_present != 0, sync.is_move_present != 0));
 }
 
@@ -256,9 +255,9 @@ bool AskAboutChangesMadeSince(const Pressed& pressed, bool conflict) {
   if (!HasUnsavedChanges(pressed.record.document)) return false;
   const SyncReport& sync = pressed.record.sync;
   Store(pressed, [&](FileStatusRecord& record) {
-    (conflict ? record.conflictAskShown : record.renameMoveAskShown) = 1;
+    record.choices.Set(conflict ? UserChoice::conflictAskShown : UserChoice::renameMoveAskShown);
   });
-  ReplacePanel(pressed, CreateConfirmLeavePanel(pressed.record.hostWindow, pressed.record.badgeWindow, true, conflict,
+  ReplacePanel(pressed, CreateConfirmLeavePanel(pressed.record.hostWindow, pressed.windows->badgeWindow, true, conflict,
                                                 false, !conflict && sync.is_rename_present != 0,
                                                 !conflict && sync.is_move_present != 0));
   return true;
@@ -271,12 +270,12 @@ void ResolveConflict(const Pressed& pressed, CloseMode mode) {
     if (AskAboutChangesMadeSince(pressed, true)) return;
     Info(L"need to open resolve conflict window: ", pressed);
   }
-  if (!CloseForSyncAction(pressed, mode, &FileStatusRecord::resolveConflict)) {
+  if (!CloseForSyncAction(pressed, mode, UserChoice::resolveConflict)) {
     if (mode == CloseMode::SaveThenClose) {
       // Until the next tick asks again whether to save the changes.
       AfterSaveThenCloseFailed(pressed);
       Store(pressed, [](FileStatusRecord& record) {
-        record.conflictAskShown = 0;
+        record.choices.Set(UserChoice::conflictAskShown, false);
         record.overlayUpToDate = 0;
       });
     } else {
@@ -291,7 +290,7 @@ void ResolveConflict(const Pressed& pressed, CloseMode mode) {
 void FollowRenameOrMove(const Pressed& pressed) {
   if (AskAboutChangesMadeSince(pressed, false)) return;
   Info(L"retry rename/move: ", pressed);
-  if (!CloseForSyncAction(pressed, CloseMode::CloseLettingTheHostAsk, &FileStatusRecord::retryRenameOrMove)) {
+  if (!CloseForSyncAction(pressed, CloseMode::CloseLettingTheHostAsk, UserChoice::retryRenameOrMove)) {
     ShowAgainAtNextTick(pressed);
   }
   WriteLog(LogLevel::Info, L"rename/move continue completed");
@@ -302,22 +301,21 @@ void FollowRenameOrMove(const Pressed& pressed) {
 // user's changes in it.
 void FollowRenameOrMoveSaving(const Pressed& pressed, bool save) {
   HWND panel = pressed.panel;
-  HWND none = nullptr;
-  DestroyOverlayWindows(panel, none);
+  DestroyOverlayWindow(panel);
   if (save && IsReadOnly(pressed.record.document)) {
     Info(L"read-only file: ", pressed);
     ShowErrorPanel(pressed, true);
   } else if (!CloseForSyncAction(pressed, save ? CloseMode::SaveThenClose : CloseMode::CloseWithoutSaving,
-                                 &FileStatusRecord::retryRenameOrMove)) {
+                                 UserChoice::retryRenameOrMove)) {
     const std::optional<FileStatusRecord> now = Cache().Find(pressed.path);
-    if (save && now && !now->skipNextUpdate) {
+    if (save && now && !now->choices.Has(UserChoice::skipNextUpdate)) {
       AfterSaveThenCloseFailed(pressed);
     } else {
       ShowAgainAtNextTick(pressed);  // the confirmation comes back, asking again
     }
   }
   Store(pressed, [](FileStatusRecord& record) {
-    record.renameMoveAskShown = 0;
+    record.choices.Set(UserChoice::renameMoveAskShown, false);
     record.overlayUpToDate = 0;
   });
   WriteLog(LogLevel::Info, L"rename/move save/discard completed");
@@ -327,13 +325,11 @@ void FollowRenameOrMoveSaving(const Pressed& pressed, bool save) {
 // app hears of it now, not at the next cycle.
 void Hide(const Pressed& pressed) {
   Store(pressed, [](FileStatusRecord& record) {
-    record.uiHide = 1;
-    record.overlayKind = 0;
+    record.choices.Set(UserChoice::uiHide);
     ResetUserActionFlags(record);
   });
-  HWND panel = pressed.record.subOverlayWindow;
-  HWND badge = pressed.record.badgeWindow;
-  DestroyOverlayWindows(panel, badge);
+  pressed.windows->overlayKind = 0;
+  DestroyOverlayWindows(pressed.windows->subOverlayWindow, pressed.windows->badgeWindow);
   TheSyncAppPipe().Exchange(Cache().BuildRequest(pressed.path, 1));
 }
 
@@ -367,12 +363,15 @@ void HandlePanelCommand(HWND panel, int id) {
   for (const Command& command : kCommands) {
     if (command.id != id) continue;
     WriteLog(LogLevel::Debug, command.text);
-    const std::optional<std::wstring> path = Cache().PathOfWindow(panel, FileStatusCache::WindowRole::Panel);
-    if (!path) return;
-    std::optional<FileStatusRecord> record = Cache().Find(*path);
+    const OverlayWindowState* state = WindowStateOf(panel);
+    if (state == nullptr || state->subOverlayWindow != panel) return;
+    SharedWindowState windows = FindWindowState(state->path);
+    if (!windows) return;
+    std::optional<FileStatusRecord> record = Cache().Find(windows->path);
     if (!record) return;
-    WriteLog(LogLevel::Info, std::wstring(command.text) + L": " + *path);
-    command.act({panel, *path, std::move(*record)});
+    const std::wstring path = windows->path;
+    WriteLog(LogLevel::Info, std::wstring(command.text) + L": " + path);
+    command.act({panel, path, std::move(*record), std::move(windows)});
     return;
   }
 }

@@ -3,9 +3,13 @@
 // (a layered 70 × 70 window, transparent until a picture is laid onto it),
 // the no-internet strip and the loading strip. Placed at the caller's
 // screen point, owned by the Office window, shown at once without taking
-// the focus; null on failure (logged).
+// the focus; null on failure (logged). `state`, when given, is the file's
+// overlay state that the window is bound to from its creation on.
 #include <windows.h>
 
-HWND CreateMainOverlay(HWND officeWindow, int x, int y);
-HWND CreateNoInternetOverlay(HWND officeWindow, HBITMAP driveBitmap, int x, int y);
-HWND CreateLoadingOverlay(HWND officeWindow, HBITMAP driveBitmap, int x, int y);
+struct OverlayWindowState;
+
+HWND CreateMainOverlay(HWND officeWindow, int x, int y, OverlayWindowState* state = nullptr);
+HWND CreateNoInternetOverlay(HWND officeWindow, HBITMAP driveBitmap, int x, int y,
+                             OverlayWindowState* state = nullptr);
+HWND CreateLoadingOverlay(HWND officeWindow, HBITMAP driveBitmap, int x, int y, OverlayWindowState* state = nullptr);

@@ -13,6 +13,7 @@
 #include "common/office_app.h"
 #include "synclink/answer_apply.h"
 #include "synclink/file_status_cache.h"
+#include "synclink/record_lock.h"
 #include "tests/native/captured_log.h"
 #include "tests/native/counting_dispatch.h"
 
@@ -44,25 +45,26 @@ class SharedCache : public testing::Test {
 };
 }  // namespace
 
-TEST_F(SharedCache, AnAnswerKeepsAWindowTheUiThreadStoredWhileTheAnswerWasApplied) {
-  // The UI thread stores its new badge in the middle of the update (the
-  // change tag of is_sync_file is logged between reading and writing back).
+TEST_F(SharedCache, AnAnswerKeepsAnUnsavedStateTheUiThreadStoredWhileTheAnswerWasApplied) {
+  // The UI thread stores the unsaved state it read in the middle of the
+  // update (the change tag of is_sync_file is logged between reading and
+  // writing back).
   SetCapturedLogObserver([&](const CapturedLine& line) {
-    if (line.message == L"5") cache.Change(kPath, [](FileStatusRecord& r) { r.badgeWindow = Window(0xB0); });
+    if (line.message == L"5") cache.Change(kPath, [](FileStatusRecord& r) { r.isEditing = 1; });
   });
   cache.UpdateFile(kPath, SyncedAnswer(kPath, L"k3"));
   const FileStatusRecord record = *cache.Find(kPath);
-  EXPECT_EQ(record.badgeWindow, Window(0xB0));
+  EXPECT_EQ(record.isEditing, 1u);
   EXPECT_EQ(record.sync.is_sync_file, 1u);
   EXPECT_EQ(record.sync.file_combo_id, L"k3");
 }
 
 TEST_F(SharedCache, AnAnswerKeepsAUserChoiceMadeWhileTheAnswerWasApplied) {
   SetCapturedLogObserver([&](const CapturedLine& line) {
-    if (line.message == L"6") cache.Change(kPath, [](FileStatusRecord& r) { r.retryModify = 1; });
+    if (line.message == L"6") cache.Change(kPath, [](FileStatusRecord& r) { r.choices.Set(UserChoice::retryModify); });
   });
   cache.UpdateFile(kPath, SyncedAnswer(kPath, L"k3"));
-  EXPECT_EQ(cache.Find(kPath)->retryModify, 1u);
+  EXPECT_TRUE(cache.Find(kPath)->choices.Has(UserChoice::retryModify));
   EXPECT_NE(cache.BuildRequest(L"", 0).find(L"\"retryModify\":true"), std::wstring::npos);
 }
 
@@ -80,46 +82,44 @@ TEST_F(SharedCache, AnAnswerThatChangesTheReportClearsTheDrawnMarkAndCountsAVers
 TEST_F(SharedCache, StoringUiChangesWritesOnlyTheFieldsTheCopyChanged) {
   const FileStatusRecord before = *cache.Find(kPath);
   FileStatusRecord after = before;
-  after.subOverlayWindow = Window(0x5B);
-  after.overlayKind = 3;
-  after.posX = 860;
-  after.posY = 640;
-  // Meanwhile a window procedure stored the badge and an answer arrived.
-  cache.Change(kPath, [](FileStatusRecord& r) { r.badgeWindow = Window(0xB0); });
+  after.isEditing = 1;
+  after.seenStamp = L"tick 7";
+  after.choices.Set(UserChoice::reloadPromptPlain);
+  // Meanwhile a window procedure stored a choice and an answer arrived.
+  cache.Change(kPath, [](FileStatusRecord& r) { r.choices.Set(UserChoice::downloadRequested); });
   cache.UpdateFile(kPath, SyncedAnswer(kPath, L"k3"));
 
   ASSERT_TRUE(cache.StoreUiChanges(kPath, before, after));
   const FileStatusRecord stored = *cache.Find(kPath);
-  EXPECT_EQ(stored.subOverlayWindow, Window(0x5B));
-  EXPECT_EQ(stored.overlayKind, 3);
-  EXPECT_EQ(stored.posX, 860);
-  EXPECT_EQ(stored.posY, 640);
-  EXPECT_EQ(stored.badgeWindow, Window(0xB0));
+  EXPECT_EQ(stored.isEditing, 1u);
+  EXPECT_EQ(stored.seenStamp, L"tick 7");
+  EXPECT_TRUE(stored.choices.Has(UserChoice::reloadPromptPlain));
+  EXPECT_TRUE(stored.choices.Has(UserChoice::downloadRequested));
   EXPECT_EQ(stored.sync.file_combo_id, L"k3");
 }
 
 TEST_F(SharedCache, StoringUiChangesClearsAFieldTheCopyCleared) {
   cache.Change(kPath, [](FileStatusRecord& r) {
-    r.badgeWindow = Window(0xB0);
-    r.uiHide = 1;
+    r.choices.Set(UserChoice::skipNextUpdate);
+    r.choices.Set(UserChoice::uiHide);
   });
   const FileStatusRecord before = *cache.Find(kPath);
   FileStatusRecord after = before;
-  after.badgeWindow = nullptr;
-  after.uiHide = 0;
+  after.choices.Set(UserChoice::skipNextUpdate, false);
+  after.choices.Set(UserChoice::uiHide, false);
   ASSERT_TRUE(cache.StoreUiChanges(kPath, before, after));
-  EXPECT_EQ(cache.Find(kPath)->badgeWindow, nullptr);
-  EXPECT_EQ(cache.Find(kPath)->uiHide, 0u);
+  EXPECT_FALSE(cache.Find(kPath)->choices.Has(UserChoice::skipNextUpdate));
+  EXPECT_FALSE(cache.Find(kPath)->choices.Has(UserChoice::uiHide));
 }
 
 TEST_F(SharedCache, ADrawingOfAnOlderReportDoesNotMarkTheRecordUpToDate) {
   const FileStatusRecord before = *cache.Find(kPath);
   FileStatusRecord after = before;
-  after.overlayKind = 2;
+  after.isEditing = 1;
   after.overlayUpToDate = 1;
   cache.UpdateFile(kPath, SyncedAnswer(kPath, L"k3"));  // arrives while the UI draws the loading badge
   ASSERT_TRUE(cache.StoreUiChanges(kPath, before, after));
-  EXPECT_EQ(cache.Find(kPath)->overlayKind, 2);
+  EXPECT_EQ(cache.Find(kPath)->isEditing, 1u);
   EXPECT_EQ(cache.Find(kPath)->overlayUpToDate, 0u);
 }
 
@@ -135,10 +135,10 @@ TEST_F(SharedCache, ADrawingOfTheCurrentReportMarksTheRecordUpToDate) {
 TEST_F(SharedCache, StoringChangesOfARecordThatIsGoneDoesNotBringItBack) {
   const FileStatusRecord before = *cache.Find(kPath);
   FileStatusRecord after = before;
-  after.badgeWindow = Window(0xB0);
+  after.isEditing = 1;
   cache.RemoveFile(kPath);
   EXPECT_FALSE(cache.StoreUiChanges(kPath, before, after));
-  EXPECT_FALSE(cache.Change(kPath, [](FileStatusRecord& r) { r.uiHide = 1; }));
+  EXPECT_FALSE(cache.Change(kPath, [](FileStatusRecord& r) { r.choices.Set(UserChoice::uiHide); }));
   EXPECT_FALSE(cache.Contains(kPath));
 }
 
@@ -146,10 +146,7 @@ TEST_F(SharedCache, ClosingARecordBuildsItsClosedRequestAndErasesItInOneStep) {
   CountingDispatch document;
   const std::wstring other = L"C:\\Users\\ann\\Filewell\\budget.xlsx";
   cache.AddFile(other, nullptr, 1, &document);
-  cache.Change(other, [](FileStatusRecord& r) {
-    r.overlayKind = 4;
-    r.sync.file_combo_id = L"b1";
-  });
+  cache.Change(other, [](FileStatusRecord& r) { r.sync.file_combo_id = L"b1"; });
   ClearCapturedLog();
 
   EXPECT_EQ(cache.CloseRecord(other),
@@ -216,41 +213,43 @@ TEST(SharedCacheStress, AnswersAndUiWorkNeverLoseAUiFieldNorBringBackARemovedRec
     const std::wstring& path = paths[random() % (paths.size() - 1)];
     const auto value = static_cast<std::int32_t>(step);
     switch (random() % 5) {
-      case 0: {  // a tick: windows and position stored through a copy
-        std::optional<FileStatusRecord> before = cache.Find(path);
-        if (!before) break;
-        FileStatusRecord after = *before;
-        after.badgeWindow = Window(0x1000 + step);
-        after.subOverlayWindow = (step % 2) ? Window(0x2000 + step) : nullptr;
-        after.posX = value;
-        after.posY = -value;
-        after.overlayKind = step % 9;
-        cache.StoreUiChanges(path, *before, after);
+      case 0: {  // a tick: every record copied at once, its changes written back at once
+        const std::wstring stamp = L"#" + std::to_wstring(value);
+        const std::vector<FileStatusCache::TickEntry> entries = cache.TakeForTick({path}, stamp);
+        std::vector<FileStatusRecord> working;
+        working.reserve(entries.size());
+        std::vector<FileStatusCache::UiChange> changes;
+        for (const auto& entry : entries) {
+          working.push_back(entry.record);
+          working.back().isEditing = static_cast<std::uint32_t>(step % 2);
+          working.back().choices.Set(UserChoice::skipNextUpdate);
+          changes.push_back({&entry.path, &entry.record, &working.back()});
+        }
+        cache.StoreUiChangesOfAll(changes);
         const std::optional<FileStatusRecord> stored = cache.Find(path);
-        if (stored && (stored->badgeWindow != after.badgeWindow || stored->posX != value ||
-                       stored->subOverlayWindow != after.subOverlayWindow || stored->overlayKind != step % 9)) {
+        if (stored && (stored->seenStamp != stamp || stored->isEditing != static_cast<std::uint32_t>(step % 2) ||
+                       stored->choices.Has(UserChoice::skipNextUpdate) != 1)) {
           ++lostFields;
         }
         break;
       }
       case 1: {  // a click: flags set in place
         cache.Change(path, [&](FileStatusRecord& r) {
-          r.uiHide = step % 2;
-          r.retryModify = 1;
-          r.buttonDown = 1;
+          r.choices.Set(UserChoice::uiHide, step % 2);
+          r.choices.Set(UserChoice::retryModify);
         });
         const std::optional<FileStatusRecord> stored = cache.Find(path);
-        if (stored && (stored->uiHide != static_cast<std::uint32_t>(step % 2) || stored->retryModify != 1)) {
+        if (stored && (stored->choices.Has(UserChoice::uiHide) != static_cast<std::uint32_t>(step % 2) || stored->choices.Has(UserChoice::retryModify) != 1)) {
           ++lostFields;
         }
         break;
       }
-      case 2:  // the windows cleared as they are destroyed
+      case 2:  // the choices cleared as a panel state is drawn
         cache.Change(path, [](FileStatusRecord& r) {
-          r.badgeWindow = nullptr;
-          r.subOverlayWindow = nullptr;
+          ResetUserActionFlags(r);
+          r.choices.Set(UserChoice::skipNextUpdate, false);
         });
-        if (const auto stored = cache.Find(path); stored && (stored->badgeWindow || stored->subOverlayWindow)) {
+        if (const auto stored = cache.Find(path); stored && (stored->choices.Has(UserChoice::retryModify) || stored->choices.Has(UserChoice::skipNextUpdate))) {
           ++lostFields;
         }
         break;
@@ -274,4 +273,43 @@ TEST(SharedCacheStress, AnswersAndUiWorkNeverLoseAUiFieldNorBringBackARemovedRec
   EXPECT_EQ(broughtBack, 0);
   EXPECT_FALSE(cache.Contains(removedForGood));
   EXPECT_EQ(cache.BuildRequest(L"", 0).find(removedForGood), std::wstring::npos);
+}
+
+TEST_F(SharedCache, TheTicksCopyStampsTheOpenDocumentsOnlyAndTakesTheLockOnce) {
+  const std::wstring closed = L"C:\\Users\\ann\\Filewell\\a-closed.docx";
+  const std::wstring other = L"C:\\Users\\ann\\Filewell\\budget.xlsx";
+  cache.AddFile(closed, nullptr, 0, nullptr);
+  cache.AddFile(other, nullptr, 1, nullptr);
+  const std::uint64_t before = RecordLock::Acquisitions();
+  const std::vector<FileStatusCache::TickEntry> entries = cache.TakeForTick({other, kPath}, L"tick 9");
+  EXPECT_EQ(RecordLock::Acquisitions() - before, 1u);
+  ASSERT_EQ(entries.size(), 3u);
+  EXPECT_EQ(entries[0].path, closed);
+  EXPECT_EQ(entries[0].record.seenStamp, L"");
+  EXPECT_EQ(entries[1].path, other);
+  EXPECT_EQ(entries[1].record.seenStamp, L"tick 9");
+  EXPECT_EQ(entries[1].record.isEditing, 1u);
+  EXPECT_EQ(entries[2].path, kPath);
+  EXPECT_EQ(entries[2].record.seenStamp, L"tick 9");
+  EXPECT_EQ(cache.Find(kPath)->seenStamp, L"tick 9");
+  EXPECT_EQ(cache.Find(closed)->seenStamp, L"");
+}
+
+TEST_F(SharedCache, TheTicksWriteBackTakesTheLockOnceAndPassesARecordThatIsGone) {
+  const std::wstring other = L"C:\\Users\\ann\\Filewell\\budget.xlsx";
+  cache.AddFile(other, nullptr, 0, nullptr);
+  const std::vector<FileStatusCache::TickEntry> entries = cache.TakeForTick({other, kPath}, L"tick 9");
+  ASSERT_EQ(entries.size(), 2u);
+  std::vector<FileStatusRecord> working{entries[0].record, entries[1].record};
+  working[0].isEditing = 1;
+  working[1].choices.Set(UserChoice::skipNextUpdate);
+  working[1].overlayUpToDate = 1;
+  cache.RemoveFile(other);
+  const std::uint64_t before = RecordLock::Acquisitions();
+  cache.StoreUiChangesOfAll({{&entries[0].path, &entries[0].record, &working[0]},
+                             {&entries[1].path, &entries[1].record, &working[1]}});
+  EXPECT_EQ(RecordLock::Acquisitions() - before, 1u);
+  EXPECT_FALSE(cache.Contains(other));
+  EXPECT_TRUE(cache.Find(kPath)->choices.Has(UserChoice::skipNextUpdate));
+  EXPECT_EQ(cache.Find(kPath)->overlayUpToDate, 1u);
 }

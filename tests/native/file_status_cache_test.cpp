@@ -24,9 +24,7 @@ TEST_F(Cache, StoresANewFileWithLoadingDefaultsAndLogsIt) {
   EXPECT_EQ(record.sync.is_loading_data_from_server, 1u);
   EXPECT_EQ(record.sync.downloadState, 2);
   EXPECT_EQ(record.isOpen, 1u);
-  EXPECT_EQ(record.overlayKind, 0);
   EXPECT_EQ(record.overlayUpToDate, 0u);
-  EXPECT_EQ(record.badgeWindow, nullptr);
   EXPECT_EQ(CapturedLog(), (std::vector<CapturedLine>{{LogLevel::Info, L"file info stored in cache - C:\\a.docx"}}));
 }
 
@@ -80,9 +78,9 @@ TEST_F(Cache, KeepsTheReferenceBalancedAcrossUpdatesAndRequests) {
 
 TEST_F(Cache, KeepsARecordsChangesWhileOthersAreAdded) {
   cache.AddFile(L"C:\\m.docx", nullptr, 0, nullptr);
-  cache.Change(L"C:\\m.docx", [](FileStatusRecord& r) { r.uiHide = 1; });
+  cache.Change(L"C:\\m.docx", [](FileStatusRecord& r) { r.choices.Set(UserChoice::uiHide); });
   for (int i = 0; i < 100; ++i) cache.AddFile(L"C:\\" + std::to_wstring(i), nullptr, 0, nullptr);
-  EXPECT_EQ(cache.Find(L"C:\\m.docx")->uiHide, 1u);
+  EXPECT_TRUE(cache.Find(L"C:\\m.docx")->choices.Has(UserChoice::uiHide));
 }
 
 TEST_F(Cache, UpdatingAFileThatIsNotThereLogsAndChangesNothing) {

@@ -54,8 +54,8 @@ TEST_F(RequestMessage, SendsAQuoteInAPathUnescaped) {
 
 TEST_F(RequestMessage, CarriesUiHideOnlyWhenAskedBetweenRetryDeleteAndTheId) {
   cache.AddFile(L"C:\\a.docx", nullptr, 0, nullptr);
-  cache.Change(L"C:\\a.docx", [&](FileStatusRecord& r) { r.uiHide = 1; });
-  cache.Change(L"C:\\a.docx", [&](FileStatusRecord& r) { r.retryDelete = 1; });
+  cache.Change(L"C:\\a.docx", [&](FileStatusRecord& r) { r.choices.Set(UserChoice::uiHide); });
+  cache.Change(L"C:\\a.docx", [&](FileStatusRecord& r) { r.choices.Set(UserChoice::retryDelete); });
   cache.Change(L"C:\\a.docx", [&](FileStatusRecord& r) { r.sync.file_combo_id = L"k3v9x"; });
   EXPECT_EQ(cache.BuildRequest(L"C:\\a.docx", 0).find(L"uiHide"), std::wstring::npos);
   EXPECT_EQ(cache.BuildRequest(L"C:\\a.docx", 1),
@@ -68,9 +68,9 @@ TEST_F(RequestMessage, WritesEveryChoiceFlagTheUserMade) {
   cache.AddFile(L"C:\\a.docx", nullptr, 0, nullptr);
   cache.Change(L"C:\\a.docx", [](FileStatusRecord& record) {
     record.isOpen = 0;
-    record.resolveConflict = 1;
-    record.retryModify = 1;
-    record.retryRenameOrMove = 1;
+    record.choices.Set(UserChoice::resolveConflict);
+    record.choices.Set(UserChoice::retryModify);
+    record.choices.Set(UserChoice::retryRenameOrMove);
   });
   EXPECT_EQ(cache.BuildRequest(L"", 0),
             L"{\"files\":[{\"filepath\":\"C:\\a.docx\",\"isOpen\":false,\"isEditing\":false,\"resolveConflict\":true,"

@@ -21,7 +21,7 @@ class CacheRemoveAll : public testing::Test {
   }
   void TearDown() override {
     syncSim_.Stop();
-    TheFileStatusCache().RemoveAll(nullptr);
+    TheFileStatusCache().RemoveAll();
     InitLogFolder();
     DeleteLogFiles();
   }
@@ -42,12 +42,12 @@ TEST_F(CacheRemoveAll, SendsOneLastRequestForEveryFileInKeyOrderWithoutUiHide) {
   cache.AddFile(L"C:\\Users\\ann\\Filewell\\a.xlsx", nullptr, 0, nullptr);
   cache.Change(L"C:\\Users\\ann\\Filewell\\b.xlsx", [](FileStatusRecord& b) {
     b.sync.file_combo_id = L"k3v9x";
-    b.retryModify = 1;
-    b.uiHide = 1;
+    b.choices.Set(UserChoice::retryModify);
+    b.choices.Set(UserChoice::uiHide);
   });
   StartSyncSim();
 
-  EXPECT_EQ(cache.RemoveAll(nullptr), 1);
+  EXPECT_EQ(cache.RemoveAll(), 1);
 
   const std::string expected =
       "{\"files\":["
@@ -72,7 +72,7 @@ TEST_F(CacheRemoveAll, SendsOneLastRequestForEveryFileInKeyOrderWithoutUiHide) {
 TEST_F(CacheRemoveAll, SendsAnEmptyFileListWhenTheCacheIsEmpty) {
   StartSyncSim();
 
-  EXPECT_EQ(TheFileStatusCache().RemoveAll(nullptr), 1);
+  EXPECT_EQ(TheFileStatusCache().RemoveAll(), 1);
 
   EXPECT_EQ(ReadFileBytes(textRecord_), "{\"files\":[]}\n");
   EXPECT_EQ(ReadFileBytes(rawRecord_), std::string("{\0\"\0f\0i\0l\0e\0s\0\"\0:\0[\0]\0}\0\0\0", 26));
@@ -82,7 +82,7 @@ TEST_F(CacheRemoveAll, SendsAnEmptyFileListWhenTheCacheIsEmpty) {
 TEST_F(CacheRemoveAll, EmptiesTheCacheEvenWithoutTheSyncApp) {
   TheFileStatusCache().AddFile(L"C:\\Users\\ann\\Filewell\\a.xlsx", nullptr, 0, nullptr);
 
-  EXPECT_EQ(TheFileStatusCache().RemoveAll(nullptr), 1);
+  EXPECT_EQ(TheFileStatusCache().RemoveAll(), 1);
 
   EXPECT_TRUE(TheFileStatusCache().Size() == 0);
   EXPECT_EQ(LogMessages(LogFilePath()), (std::vector<std::string>{

@@ -6,7 +6,9 @@
 #include <gtest/gtest.h>
 
 #include "addin/event_sinks.h"
+#include "overlay/windows/overlay_window_states.h"
 #include "overlay/windows/panels.h"
+#include "synclink/record_lock.h"
 #include "tests/windows/tick_test_support.h"
 
 namespace {
@@ -36,7 +38,7 @@ class CustomUiTick : public testing::Test {
   static HWND PutPanel(const std::wstring& path, HWND panel) {
     if (HWND old = PanelOf(path)) DestroyWindow(old);
     ShowWindow(panel, SW_SHOWNA);
-    InProcessHost::ChangeRecord(path, [&](FileStatusRecord& record) { record.subOverlayWindow = panel; });
+    FindWindowState(path)->subOverlayWindow = panel;
     return panel;
   }
   SimDocument* Document(const std::wstring& path) { return host_.app().FindDocument(path); }
@@ -76,16 +78,17 @@ TEST_P(DecisionTableRow, ShowsItsBadgeItsPanelAndLogsItsTag) {
   const std::wstring path = ShowAfterOneTick(L"decided", answer);
 
   const FileStatusRecord record = host_.Record(path);
-  EXPECT_EQ(record.overlayKind, row.kind);
+  const OverlayWindowState recordWindows = WindowsOf(path);
+  EXPECT_EQ(recordWindows.overlayKind, row.kind);
   EXPECT_EQ(record.overlayUpToDate, 1u);
   EXPECT_EQ(InfoMessages(), std::vector<std::string>{row.tag + Narrow(path)});
-  ASSERT_NE(record.badgeWindow, nullptr);
-  EXPECT_TRUE(IsWindowVisible(record.badgeWindow));
-  EXPECT_EQ(OwnerOf(record.badgeWindow), host_.mainWindow());
+  ASSERT_NE(recordWindows.badgeWindow, nullptr);
+  EXPECT_TRUE(IsWindowVisible(recordWindows.badgeWindow));
+  EXPECT_EQ(OwnerOf(recordWindows.badgeWindow), host_.mainWindow());
   if (!row.stripClass.empty()) {
-    EXPECT_EQ(ClassNameOf(record.badgeWindow), row.stripClass);
-    EXPECT_TRUE(HasChildText(record.badgeWindow, row.text));
-    EXPECT_EQ(record.subOverlayWindow, nullptr);
+    EXPECT_EQ(ClassNameOf(recordWindows.badgeWindow), row.stripClass);
+    EXPECT_TRUE(HasChildText(recordWindows.badgeWindow, row.text));
+    EXPECT_EQ(recordWindows.subOverlayWindow, nullptr);
   } else {
     ExpectBadgeAndPanel(path, row.kind, row.text, true);
   }
@@ -211,20 +214,21 @@ TEST_F(CustomUiTick, TheSafeToEditNoticeIsHiddenOnTheNextTickAndStaysHiddenWhenT
   // Built once more, then both windows hidden for good.
   EXPECT_EQ(InfoMessages(), std::vector<std::string>{"safe to edit: " + Narrow(path)});
   const FileStatusRecord hidden = host_.Record(path);
-  EXPECT_EQ(hidden.overlayKind, 3);
+  const OverlayWindowState hiddenWindows = WindowsOf(path);
+  EXPECT_EQ(hiddenWindows.overlayKind, 3);
   EXPECT_EQ(hidden.overlayUpToDate, 1u);
-  ASSERT_TRUE(IsWindow(hidden.badgeWindow));
-  ASSERT_TRUE(IsWindow(hidden.subOverlayWindow));
-  EXPECT_FALSE(IsWindowVisible(hidden.badgeWindow));
-  EXPECT_FALSE(IsWindowVisible(hidden.subOverlayWindow));
+  ASSERT_TRUE(IsWindow(hiddenWindows.badgeWindow));
+  ASSERT_TRUE(IsWindow(hiddenWindows.subOverlayWindow));
+  EXPECT_FALSE(IsWindowVisible(hiddenWindows.badgeWindow));
+  EXPECT_FALSE(IsWindowVisible(hiddenWindows.subOverlayWindow));
 
   host_.OpenAnswered(L"another", QuietAnswer());
   Tick();
   host_.Activate(Document(path));
   Ticks(2);
-  const FileStatusRecord again = host_.Record(path);
-  EXPECT_EQ(again.badgeWindow, hidden.badgeWindow);
-  EXPECT_EQ(again.subOverlayWindow, hidden.subOverlayWindow);
+  const OverlayWindowState again = WindowsOf(path);
+  EXPECT_EQ(again.badgeWindow, hiddenWindows.badgeWindow);
+  EXPECT_EQ(again.subOverlayWindow, hiddenWindows.subOverlayWindow);
   EXPECT_FALSE(IsWindowVisible(again.badgeWindow));
   EXPECT_FALSE(IsWindowVisible(again.subOverlayWindow));
   EXPECT_EQ(CountOf(InfoMessages(), "safe to edit: " + Narrow(path)), 1u);
@@ -239,7 +243,7 @@ TEST_F(CustomUiTick, TheConflictConfirmationIsNotTurnedBackIntoTheConflictPanel)
   // "Resolve conflict" pressed on a document without unsaved changes.
   HWND confirmation =
       PutPanel(path, CreateConfirmLeavePanel(host_.mainWindow(), BadgeOf(path), false, true, false, false, false));
-  host_.ChangeRecord(path, [](FileStatusRecord& record) { record.resolveConflictClicked = 1; });
+  host_.ChangeRecord(path, [](FileStatusRecord& record) { record.choices.Set(UserChoice::resolveConflictClicked); });
   AnswerFields newer = QuietAnswer();
   newer.is_conflict_present = 1;
   newer.last_modified_by = L"Bo Park";
@@ -250,9 +254,10 @@ TEST_F(CustomUiTick, TheConflictConfirmationIsNotTurnedBackIntoTheConflictPanel)
   EXPECT_TRUE(IsWindowVisible(confirmation));
   EXPECT_TRUE(HasChildText(confirmation, kConflictContinue));
   const FileStatusRecord record = host_.Record(path);
-  EXPECT_EQ(record.resolveConflictClicked, 1u);
-  EXPECT_EQ(record.conflictAskShown, 0u);
-  EXPECT_EQ(record.overlayKind, 6);
+  const OverlayWindowState recordWindows = WindowsOf(path);
+  EXPECT_TRUE(record.choices.Has(UserChoice::resolveConflictClicked));
+  EXPECT_FALSE(record.choices.Has(UserChoice::conflictAskShown));
+  EXPECT_EQ(recordWindows.overlayKind, 6);
   EXPECT_TRUE(InfoMessages().empty());
 }
 
@@ -263,7 +268,7 @@ TEST_F(CustomUiTick, TheConflictConfirmationAsksToSaveOnceTheDocumentHoldsChange
     return answer;
   }());
   PutPanel(path, CreateConfirmLeavePanel(host_.mainWindow(), BadgeOf(path), false, true, false, false, false));
-  host_.ChangeRecord(path, [](FileStatusRecord& record) { record.resolveConflictClicked = 1; });
+  host_.ChangeRecord(path, [](FileStatusRecord& record) { record.choices.Set(UserChoice::resolveConflictClicked); });
 
   Document(path)->MarkEdited();
   Tick();
@@ -271,7 +276,7 @@ TEST_F(CustomUiTick, TheConflictConfirmationAsksToSaveOnceTheDocumentHoldsChange
   EXPECT_TRUE(HasChildText(asking, kConflictAskSave));
   EXPECT_TRUE(HasChildText(asking, L"Save & Continue"));
   EXPECT_TRUE(IsWindowVisible(asking));
-  EXPECT_EQ(host_.Record(path).conflictAskShown, 1u);
+  EXPECT_TRUE(host_.Record(path).choices.Has(UserChoice::conflictAskShown));
   EXPECT_EQ(host_.Record(path).isEditing, 1u);
 
   ASSERT_TRUE(Document(path)->Save());
@@ -279,8 +284,8 @@ TEST_F(CustomUiTick, TheConflictConfirmationAsksToSaveOnceTheDocumentHoldsChange
   EXPECT_FALSE(IsWindow(asking));
   EXPECT_TRUE(HasChildText(PanelOf(path), kConflictContinue));
   EXPECT_TRUE(IsWindowVisible(PanelOf(path)));
-  EXPECT_EQ(host_.Record(path).conflictAskShown, 0u);
-  EXPECT_EQ(host_.Record(path).overlayKind, 6);
+  EXPECT_FALSE(host_.Record(path).choices.Has(UserChoice::conflictAskShown));
+  EXPECT_EQ(WindowsOf(path).overlayKind, 6);
 }
 
 TEST_F(CustomUiTick, AConfirmationTheUserClosedIsReformedButStaysClosed) {
@@ -291,7 +296,7 @@ TEST_F(CustomUiTick, AConfirmationTheUserClosedIsReformedButStaysClosed) {
   }());
   HWND closed =
       PutPanel(path, CreateConfirmLeavePanel(host_.mainWindow(), BadgeOf(path), false, true, false, false, false));
-  host_.ChangeRecord(path, [](FileStatusRecord& record) { record.resolveConflictClicked = 1; });
+  host_.ChangeRecord(path, [](FileStatusRecord& record) { record.choices.Set(UserChoice::resolveConflictClicked); });
   ShowWindow(closed, SW_HIDE);
   Document(path)->MarkEdited();
   Tick();
@@ -307,7 +312,7 @@ TEST_F(CustomUiTick, DownloadRequestedOnADownloadedFileShowsTheReloadConfirmatio
   }());
   // What the download button leaves for the tick.
   host_.ChangeRecord(path, [](FileStatusRecord& record) {
-    record.downloadRequested = 1;
+    record.choices.Set(UserChoice::downloadRequested);
     record.overlayUpToDate = 0;
   });
   host_.ClearLog();
@@ -316,10 +321,11 @@ TEST_F(CustomUiTick, DownloadRequestedOnADownloadedFileShowsTheReloadConfirmatio
   EXPECT_TRUE(HasChildText(PanelOf(path), L"Reload"));
   EXPECT_TRUE(IsWindowVisible(PanelOf(path)));
   const FileStatusRecord record = host_.Record(path);
-  EXPECT_EQ(record.overlayKind, 7);
-  EXPECT_EQ(record.downloadRequested, 1u);
-  EXPECT_EQ(record.reloadPromptPlain, 1u);
-  EXPECT_EQ(record.reloadPromptAskSave, 0u);
+  const OverlayWindowState recordWindows = WindowsOf(path);
+  EXPECT_EQ(recordWindows.overlayKind, 7);
+  EXPECT_TRUE(record.choices.Has(UserChoice::downloadRequested));
+  EXPECT_TRUE(record.choices.Has(UserChoice::reloadPromptPlain));
+  EXPECT_FALSE(record.choices.Has(UserChoice::reloadPromptAskSave));
   EXPECT_TRUE(InfoMessages().empty());
 }
 
@@ -330,7 +336,7 @@ TEST_F(CustomUiTick, TheReloadConfirmationAsksAboutASeparateCopyOnceTheDocumentH
     return answer;
   }());
   host_.ChangeRecord(path, [](FileStatusRecord& record) {
-    record.downloadRequested = 1;
+    record.choices.Set(UserChoice::downloadRequested);
     record.overlayUpToDate = 0;
   });
   Tick();
@@ -339,8 +345,8 @@ TEST_F(CustomUiTick, TheReloadConfirmationAsksAboutASeparateCopyOnceTheDocumentH
   EXPECT_TRUE(HasChildText(PanelOf(path), kReloadAskSave));
   EXPECT_TRUE(HasChildText(PanelOf(path), L"Save a copy & Reload"));
   EXPECT_TRUE(IsWindowVisible(PanelOf(path)));
-  EXPECT_EQ(host_.Record(path).reloadPromptPlain, 0u);
-  EXPECT_EQ(host_.Record(path).reloadPromptAskSave, 1u);
+  EXPECT_FALSE(host_.Record(path).choices.Has(UserChoice::reloadPromptPlain));
+  EXPECT_TRUE(host_.Record(path).choices.Has(UserChoice::reloadPromptAskSave));
 }
 
 TEST_F(CustomUiTick, AUserWhoKeepsASeparateCopyIsNotAskedAboutSavingBeforeTheReload) {
@@ -353,14 +359,14 @@ TEST_F(CustomUiTick, AUserWhoKeepsASeparateCopyIsNotAskedAboutSavingBeforeTheRel
   Tick();
   // The download button pressed with "save my changes as a separate copy" ticked.
   host_.ChangeRecord(path, [](FileStatusRecord& record) {
-    record.downloadRequested = 1;
-    record.saveSeparateCopy = 1;
+    record.choices.Set(UserChoice::downloadRequested);
+    record.choices.Set(UserChoice::saveSeparateCopy);
     record.overlayUpToDate = 0;
   });
   Tick();
   EXPECT_TRUE(HasChildText(PanelOf(path), kReloadPlain));
-  EXPECT_EQ(host_.Record(path).reloadPromptPlain, 1u);
-  EXPECT_EQ(host_.Record(path).reloadPromptAskSave, 0u);
+  EXPECT_TRUE(host_.Record(path).choices.Has(UserChoice::reloadPromptPlain));
+  EXPECT_FALSE(host_.Record(path).choices.Has(UserChoice::reloadPromptAskSave));
 }
 
 TEST_F(CustomUiTick, TheTickAfterAnErrorPanelOfADownloadLeavesThePanelAndOnlyClearsSkipNextUpdate) {
@@ -372,8 +378,8 @@ TEST_F(CustomUiTick, TheTickAfterAnErrorPanelOfADownloadLeavesThePanelAndOnlyCle
   // A separate copy that could not be saved: the error panel is up.
   HWND error = PutPanel(path, CreateErrorMessagePanel(host_.mainWindow(), BadgeOf(path), false));
   host_.ChangeRecord(path, [](FileStatusRecord& record) {
-    record.downloadRequested = 1;
-    record.skipNextUpdate = 1;
+    record.choices.Set(UserChoice::downloadRequested);
+    record.choices.Set(UserChoice::skipNextUpdate);
     record.overlayUpToDate = 0;
   });
   host_.ClearLog();
@@ -381,10 +387,11 @@ TEST_F(CustomUiTick, TheTickAfterAnErrorPanelOfADownloadLeavesThePanelAndOnlyCle
   EXPECT_EQ(PanelOf(path), error);
   EXPECT_TRUE(IsWindowVisible(error));
   const FileStatusRecord record = host_.Record(path);
-  EXPECT_EQ(record.skipNextUpdate, 0u);
-  EXPECT_EQ(record.downloadRequested, 1u);
-  EXPECT_EQ(record.reloadPromptPlain, 0u);
-  EXPECT_EQ(record.overlayKind, 7);
+  const OverlayWindowState recordWindows = WindowsOf(path);
+  EXPECT_FALSE(record.choices.Has(UserChoice::skipNextUpdate));
+  EXPECT_TRUE(record.choices.Has(UserChoice::downloadRequested));
+  EXPECT_FALSE(record.choices.Has(UserChoice::reloadPromptPlain));
+  EXPECT_EQ(recordWindows.overlayKind, 7);
   EXPECT_TRUE(InfoMessages().empty());
 }
 
@@ -397,8 +404,8 @@ TEST_F(CustomUiTick, TheTickAfterAnErrorPanelOfARenameLeavesThePanelAndOnlyClear
   // Saving before the rename failed on a read-only file.
   HWND error = PutPanel(path, CreateErrorMessagePanel(host_.mainWindow(), BadgeOf(path), true));
   host_.ChangeRecord(path, [](FileStatusRecord& record) {
-    record.renameMoveClicked = 1;
-    record.skipNextUpdate = 1;
+    record.choices.Set(UserChoice::renameMoveClicked);
+    record.choices.Set(UserChoice::skipNextUpdate);
     record.overlayUpToDate = 0;
   });
   host_.ClearLog();
@@ -406,9 +413,10 @@ TEST_F(CustomUiTick, TheTickAfterAnErrorPanelOfARenameLeavesThePanelAndOnlyClear
   EXPECT_EQ(PanelOf(path), error);
   EXPECT_TRUE(IsWindowVisible(error));
   const FileStatusRecord record = host_.Record(path);
-  EXPECT_EQ(record.skipNextUpdate, 0u);
-  EXPECT_EQ(record.renameMoveClicked, 1u);
-  EXPECT_EQ(record.overlayKind, 5);
+  const OverlayWindowState recordWindows = WindowsOf(path);
+  EXPECT_FALSE(record.choices.Has(UserChoice::skipNextUpdate));
+  EXPECT_TRUE(record.choices.Has(UserChoice::renameMoveClicked));
+  EXPECT_EQ(recordWindows.overlayKind, 5);
   EXPECT_TRUE(InfoMessages().empty());
 }
 
@@ -420,21 +428,21 @@ TEST_F(CustomUiTick, TheRenameConfirmationAsksToSaveOnceTheDocumentHoldsChangesA
   }());
   // "Reload" pressed on the rename panel of a document without changes.
   PutPanel(path, CreateConfirmLeavePanel(host_.mainWindow(), BadgeOf(path), false, false, false, true, false));
-  host_.ChangeRecord(path, [](FileStatusRecord& record) { record.renameMoveClicked = 1; });
+  host_.ChangeRecord(path, [](FileStatusRecord& record) { record.choices.Set(UserChoice::renameMoveClicked); });
 
   Document(path)->MarkEdited();
   Tick();
   EXPECT_TRUE(HasChildText(PanelOf(path), kRenameAskSave));
   EXPECT_TRUE(IsWindowVisible(PanelOf(path)));
-  EXPECT_EQ(host_.Record(path).renameMoveAskShown, 1u);
+  EXPECT_TRUE(host_.Record(path).choices.Has(UserChoice::renameMoveAskShown));
 
   ASSERT_TRUE(Document(path)->Save());
   Tick();
   EXPECT_TRUE(HasChildText(PanelOf(path), kRenameContinue));
   EXPECT_TRUE(IsWindowVisible(PanelOf(path)));
-  EXPECT_EQ(host_.Record(path).renameMoveAskShown, 0u);
-  EXPECT_EQ(host_.Record(path).renameMoveClicked, 1u);
-  EXPECT_EQ(host_.Record(path).overlayKind, 5);
+  EXPECT_FALSE(host_.Record(path).choices.Has(UserChoice::renameMoveAskShown));
+  EXPECT_TRUE(host_.Record(path).choices.Has(UserChoice::renameMoveClicked));
+  EXPECT_EQ(WindowsOf(path).overlayKind, 5);
 }
 
 // ---------------------------------------------------------------------------
@@ -451,25 +459,26 @@ TEST_F(CustomUiTick, AQuietFileThatNeverShowedAnythingGetsNoOverlay) {
 
 TEST_F(CustomUiTick, AChangeOfTheUnsavedStateAloneDoesNotRebuildThePanel) {
   const std::wstring path = ShowAfterOneTick(L"viewed", ViewedAnswer());
-  const FileStatusRecord before = host_.Record(path);
+  const OverlayWindowState before = WindowsOf(path);
   host_.ClearLog();
   Document(path)->MarkEdited();
   Tick();
   const FileStatusRecord after = host_.Record(path);
+  const OverlayWindowState afterWindows = WindowsOf(path);
   EXPECT_EQ(after.isEditing, 1u);
-  EXPECT_EQ(after.badgeWindow, before.badgeWindow);
-  EXPECT_EQ(after.subOverlayWindow, before.subOverlayWindow);
-  EXPECT_TRUE(IsWindowVisible(after.subOverlayWindow));
-  EXPECT_EQ(after.overlayKind, 8);
+  EXPECT_EQ(afterWindows.badgeWindow, before.badgeWindow);
+  EXPECT_EQ(afterWindows.subOverlayWindow, before.subOverlayWindow);
+  EXPECT_TRUE(IsWindowVisible(afterWindows.subOverlayWindow));
+  EXPECT_EQ(afterWindows.overlayKind, 8);
   EXPECT_TRUE(InfoMessages().empty());
 }
 
 TEST_F(CustomUiTick, AFileThatIsNotTheActiveOneKeepsItsWindowsHidden) {
   const std::wstring path = ShowAfterOneTick(L"first", ViewedAnswer());
-  const FileStatusRecord shown = host_.Record(path);
+  const OverlayWindowState shown = WindowsOf(path);
   host_.OpenAnswered(L"second", QuietAnswer());
   Tick();
-  const FileStatusRecord hidden = host_.Record(path);
+  const OverlayWindowState hidden = WindowsOf(path);
   EXPECT_EQ(hidden.badgeWindow, shown.badgeWindow);
   EXPECT_EQ(hidden.subOverlayWindow, shown.subOverlayWindow);
   EXPECT_FALSE(IsWindowVisible(hidden.badgeWindow));
@@ -484,7 +493,7 @@ TEST_F(CustomUiTick, AFileActiveAgainShowsItsBadgeButLeavesItsPanelClosed) {
   Tick();
   host_.Activate(first);
   Tick();
-  const FileStatusRecord record = host_.Record(first->fullName());
+  const OverlayWindowState record = WindowsOf(first->fullName());
   EXPECT_TRUE(IsWindowVisible(record.badgeWindow));
   EXPECT_FALSE(IsWindowVisible(record.subOverlayWindow));
 }
@@ -499,7 +508,7 @@ TEST_F(CustomUiTick, AMinimisedOfficeWindowHidesTheActiveFilesWindows) {
     return answer;
   }());
   Tick();
-  const FileStatusRecord record = host_.Record(path);
+  const OverlayWindowState record = WindowsOf(path);
   ASSERT_TRUE(IsWindow(record.badgeWindow));
   EXPECT_FALSE(IsWindowVisible(record.badgeWindow));
   EXPECT_FALSE(IsWindowVisible(record.subOverlayWindow));
@@ -507,10 +516,10 @@ TEST_F(CustomUiTick, AMinimisedOfficeWindowHidesTheActiveFilesWindows) {
 
 TEST_F(CustomUiTick, WithoutDataFromTheSyncAppEveryRecordsWindowsAreDestroyedOnEveryTick) {
   const std::wstring first = ShowAfterOneTick(L"first", ViewedAnswer());
-  const FileStatusRecord firstShown = host_.Record(first);
+  const OverlayWindowState firstShown = WindowsOf(first);
   const std::wstring second = ShowAfterOneTick(L"second", ViewedAnswer());
-  const FileStatusRecord secondShown = host_.Record(second);
-  host_.ChangeRecord(first, [](FileStatusRecord& record) { record.downloadRequested = 1; });
+  const OverlayWindowState secondShown = WindowsOf(second);
+  host_.ChangeRecord(first, [](FileStatusRecord& record) { record.choices.Set(UserChoice::downloadRequested); });
   TheFileStatusCache().syncAppHasData = false;
   for (int tick = 0; tick < 2; ++tick) {
     Tick();
@@ -521,7 +530,7 @@ TEST_F(CustomUiTick, WithoutDataFromTheSyncAppEveryRecordsWindowsAreDestroyedOnE
   EXPECT_FALSE(IsWindow(firstShown.subOverlayWindow));
   EXPECT_FALSE(IsWindow(secondShown.badgeWindow));
   EXPECT_FALSE(IsWindow(secondShown.subOverlayWindow));
-  EXPECT_EQ(host_.Record(first).downloadRequested, 0u);
+  EXPECT_FALSE(host_.Record(first).choices.Has(UserChoice::downloadRequested));
 }
 
 TEST_F(CustomUiTick, TheBadgeComesBackOnceTheSyncAppHasDataAgain) {
@@ -535,8 +544,8 @@ TEST_F(CustomUiTick, TheBadgeComesBackOnceTheSyncAppHasDataAgain) {
 
 TEST_F(CustomUiTick, AHiddenFilesWindowsStayDestroyed) {
   const std::wstring path = ShowAfterOneTick(L"viewed", ViewedAnswer());
-  const FileStatusRecord shown = host_.Record(path);
-  host_.ChangeRecord(path, [](FileStatusRecord& record) { record.uiHide = 1; });
+  const OverlayWindowState shown = WindowsOf(path);
+  host_.ChangeRecord(path, [](FileStatusRecord& record) { record.choices.Set(UserChoice::uiHide); });
   Tick();
   ExpectNothingShown(path);
   EXPECT_FALSE(IsWindow(shown.badgeWindow));
@@ -547,12 +556,12 @@ TEST_F(CustomUiTick, AHiddenFilesWindowsStayDestroyed) {
   }());
   Ticks(2);
   ExpectNothingShown(path);
-  EXPECT_EQ(host_.Record(path).uiHide, 1u);
+  EXPECT_TRUE(host_.Record(path).choices.Has(UserChoice::uiHide));
 }
 
 TEST_F(CustomUiTick, AFileTheSyncAppNoLongerSyncsLosesItsWindows) {
   const std::wstring path = ShowAfterOneTick(L"unsynced", ViewedAnswer());
-  const FileStatusRecord shown = host_.Record(path);
+  const OverlayWindowState shown = WindowsOf(path);
   AnswerFields answer = ViewedAnswer();
   answer.is_sync_file = 0;
   Answer(path, answer);
@@ -575,7 +584,7 @@ TEST_F(CustomUiTick, TheUnsavedStateTheTickReadsGoesIntoTheNextRequest) {
 
 TEST_F(CustomUiTick, ADocumentThatCannotSayWhetherItHoldsChangesIsDroppedWithItsWindows) {
   const std::wstring path = ShowAfterOneTick(L"broken", ViewedAnswer());
-  const FileStatusRecord shown = host_.Record(path);
+  const OverlayWindowState shown = WindowsOf(path);
   Document(path)->RemoveMember(L"Saved");
   host_.ClearLog();
   Tick();
@@ -669,10 +678,9 @@ class BadgeHome : public CustomUiTick {
   std::wstring ShowWithBadgeAt(int x, int y) {
     const std::wstring path = ShowAfterOneTick(L"dragged", ViewedAnswer());
     MoveWindow(BadgeOf(path), x, y, kBadgeSize, kBadgeSize, TRUE);
-    host_.ChangeRecord(path, [&](FileStatusRecord& record) {
-      record.posX = x;
-      record.posY = y;
-    });
+    const SharedWindowState windows = FindWindowState(path);
+    windows->posX = x;
+    windows->posY = y;
     return path;
   }
 };
@@ -680,7 +688,7 @@ class BadgeHome : public CustomUiTick {
 TEST_F(BadgeHome, ABadgePartlyOutsideTheOfficeWindowGoesBackHomeAndItsPanelIsHidden) {
   const std::wstring path = ShowWithBadgeAt(1060, 600);
   Tick();
-  const FileStatusRecord record = host_.Record(path);
+  const OverlayWindowState record = WindowsOf(path);
   EXPECT_TRUE(RectIs(WindowRectOf(record.badgeWindow), 800, 650, 870, 720));
   EXPECT_EQ(record.posX, 800);
   EXPECT_EQ(record.posY, 650);
@@ -691,7 +699,7 @@ TEST_F(BadgeHome, ABadgePartlyOutsideTheOfficeWindowGoesBackHomeAndItsPanelIsHid
 TEST_F(BadgeHome, ABadgeWhollyInsideStaysWhereTheUserPutIt) {
   const std::wstring path = ShowWithBadgeAt(300, 200);
   Tick();
-  const FileStatusRecord record = host_.Record(path);
+  const OverlayWindowState record = WindowsOf(path);
   EXPECT_TRUE(RectIs(WindowRectOf(record.badgeWindow), 300, 200, 370, 270));
   EXPECT_EQ(record.posX, 300);
   EXPECT_EQ(record.posY, 200);
@@ -708,7 +716,7 @@ TEST_F(BadgeHome, ABadgeOnePixelInsideEveryEdgeStays) {
   const std::wstring path = ShowWithBadgeAt(1100 - kBadgeSize - 1, 750 - kBadgeSize - 1);
   Tick();
   EXPECT_TRUE(RectIs(WindowRectOf(BadgeOf(path)), 1029, 679, 1099, 749));
-  EXPECT_EQ(host_.Record(path).posX, 1029);
+  EXPECT_EQ(WindowsOf(path).posX, 1029);
 }
 
 TEST_F(BadgeHome, AnOfficeWindowTooNarrowForTheHomePositionLeavesTheBadgeWhereItIs) {
@@ -716,7 +724,7 @@ TEST_F(BadgeHome, AnOfficeWindowTooNarrowForTheHomePositionLeavesTheBadgeWhereIt
   PlaceWindow(host_.mainWindow(), {0, 0, 300, 600});  // home x = 0
   Tick();
   EXPECT_TRUE(RectIs(WindowRectOf(BadgeOf(path)), 800, 650, 870, 720));
-  EXPECT_EQ(host_.Record(path).posX, 800);
+  EXPECT_EQ(WindowsOf(path).posX, 800);
   EXPECT_TRUE(IsWindowVisible(PanelOf(path)));
   PlaceWindow(host_.mainWindow(), {0, 0, 301, 600});  // home x = 1
   Tick();
@@ -728,7 +736,7 @@ TEST_F(BadgeHome, AnOfficeWindowTooLowForTheHomePositionLeavesTheBadgeWhereItIs)
   PlaceWindow(host_.mainWindow(), {0, 0, 900, 100});  // home y = 0
   Tick();
   EXPECT_TRUE(RectIs(WindowRectOf(BadgeOf(path)), 800, 650, 870, 720));
-  EXPECT_EQ(host_.Record(path).posY, 650);
+  EXPECT_EQ(WindowsOf(path).posY, 650);
 }
 
 // ---------------------------------------------------------------------------
@@ -784,7 +792,7 @@ TEST_F(CustomUiTick, AFileWithNothingWorthABadgeGetsNoLoadingStrip) {
 
 TEST_F(CustomUiTick, AFileThatShowedABadgeShowsTheLoadingStripInItsPlace) {
   const std::wstring path = ShowAfterOneTick(L"reloading", ViewedAnswer());
-  const FileStatusRecord badge = host_.Record(path);
+  const OverlayWindowState badge = WindowsOf(path);
   AnswerFields loading = QuietAnswer();
   loading.is_loading_data_from_server = 1;
   Answer(path, loading);
@@ -818,7 +826,7 @@ TEST_F(CustomUiTick, AStripOfTheSameKindIsKeptWhenTheRecordChanges) {
 TEST_F(CustomUiTick, ADocumentClosedInTheHostIsDroppedOnTheNextTickWithItsWindows) {
   SimDocument* kept = host_.OpenAnswered(L"kept", QuietAnswer());
   const std::wstring path = ShowAfterOneTick(L"closed", ViewedAnswer());
-  const FileStatusRecord shown = host_.Record(path);
+  const OverlayWindowState shown = WindowsOf(path);
   ASSERT_TRUE(host_.app().CloseDocument(Document(path), SimApplication::SaveChoice::Prompt));
   ASSERT_TRUE(TheFileStatusCache().Contains(path));
   host_.ClearLog();
@@ -955,6 +963,23 @@ TEST_F(CustomUiTick, ATickReleasesTheCacheMutexItTook) {
   EXPECT_TRUE(HeldCacheMutex::FreeForOthers());
 }
 
+// Each taking of the cache's lock is a round trip to the kernel: a tick
+// that took it once per record would grow slow with many open documents.
+TEST_F(CustomUiTick, ATickTakesTheCacheLockAsOftenWithTenDocumentsAsWithOne) {
+  host_.OpenAnswered(L"viewed0", ViewedAnswer());
+  Ticks(2);
+  std::uint64_t before = RecordLock::Acquisitions();
+  Tick();
+  const std::uint64_t withOne = RecordLock::Acquisitions() - before;
+  for (int i = 1; i < 10; ++i) host_.OpenAnswered(L"viewed" + std::to_wstring(i), ViewedAnswer());
+  Ticks(2);
+  before = RecordLock::Acquisitions();
+  Tick();
+  const std::uint64_t withTen = RecordLock::Acquisitions() - before;
+  EXPECT_EQ(withTen, withOne);
+  EXPECT_LE(withOne, 3u);
+}
+
 // ---------------------------------------------------------------------------
 // In each host: the overlay over the host's window, and documents the user
 // closed behind the add-in's back.
@@ -1020,7 +1045,7 @@ TEST_P(TickInEveryHost, AModifiedDocumentClosedWithoutSavingIsDroppedByTheNextTi
   }());
   const std::wstring path = closed->fullName();
   Tick();
-  const FileStatusRecord shown = host_.Record(path);
+  const OverlayWindowState shown = WindowsOf(path);
   ASSERT_NE(shown.badgeWindow, nullptr);
   CloseWithoutSaving(closed);
   host_.ClearLog();

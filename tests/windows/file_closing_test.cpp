@@ -12,6 +12,7 @@
 #include "addin/event_sinks.h"
 #include "addin/file_closing.h"
 #include "docactions/close_file.h"
+#include "overlay/windows/overlay_window_states.h"
 #include "synclink/sync_app_pipe.h"
 #include "tests/windows/in_process_host.h"
 
@@ -93,7 +94,10 @@ class RecordingSyncApp {
 class FileClosing : public testing::TestWithParam<SimHost> {
  protected:
   void SetUp() override { ASSERT_EQ(sinks_.Subscribe(AddinHostOf(GetParam()), &host_.app()), S_OK); }
-  void TearDown() override { sinks_.Unsubscribe(AddinHostOf(GetParam()), &host_.app()); }
+  void TearDown() override {
+    sinks_.Unsubscribe(AddinHostOf(GetParam()), &host_.app());
+    DropAllWindowStates();
+  }
 
   void Closing(IDispatch* document) {
     OnFileClosing(ComPtr<IDispatch>(document));
@@ -103,10 +107,9 @@ class FileClosing : public testing::TestWithParam<SimHost> {
     SimDocument* document = host_.Open(base + DocumentExtension(GetParam()));
     badge_.reset(CreatePlainWindow());
     panel_.reset(CreatePlainWindow());
-    host_.ChangeRecord(document->fullName(), [&](FileStatusRecord& record) {
-      record.badgeWindow = badge_.get();
-      record.subOverlayWindow = panel_.get();
-    });
+    const SharedWindowState windows = WindowStateFor(document->fullName(), nullptr);
+    windows->badgeWindow = badge_.get();
+    windows->subOverlayWindow = panel_.get();
     host_.ClearLog();
     return document;
   }
@@ -136,7 +139,7 @@ TEST_P(FileClosing, TheUsersCloseOfAModifiedCachedFileOnlyLogs) {
   ASSERT_TRUE(TheFileStatusCache().Contains(document->fullName()));
   const FileStatusRecord record = host_.Record(document->fullName());
   EXPECT_EQ(record.isOpen, 1u);
-  EXPECT_EQ(record.badgeWindow, badge_.get());
+  EXPECT_EQ(FindWindowState(document->fullName())->badgeWindow, badge_.get());
   EXPECT_TRUE(IsWindow(badge_.get()));
   EXPECT_TRUE(IsWindow(panel_.get()));
   EXPECT_TRUE(syncApp_.requests().empty());
@@ -147,9 +150,9 @@ TEST_P(FileClosing, TheAddinsOwnCloseForEachSyncActionDropsTheRecordAndItsWindow
     SimDocument* document = OpenCachedWithWindows(flag == 0 ? L"retry" : flag == 1 ? L"conflict" : L"moved");
     const std::wstring path = document->fullName();
     host_.ChangeRecord(path, [&](FileStatusRecord& record) {
-      record.retryModify = flag == 0;
-      record.resolveConflict = flag == 1;
-      record.retryRenameOrMove = flag == 2;
+      record.choices.Set(UserChoice::retryModify, flag == 0);
+      record.choices.Set(UserChoice::resolveConflict, flag == 1);
+      record.choices.Set(UserChoice::retryRenameOrMove, flag == 2);
     });
     document->MarkEdited();
     const size_t requestsBefore = syncApp_.requests().size();
@@ -194,7 +197,7 @@ TEST_P(FileClosing, TheAddinsCloseRunsTheHandlerInsideTheHostsClose) {
   SimDocument* keep = host_.Open(L"keep" + DocumentExtension(GetParam()));
   SimDocument* document = OpenCachedWithWindows(L"resync");
   const std::wstring path = document->fullName();
-  host_.ChangeRecord(path, [](FileStatusRecord& record) { record.retryModify = 1; });
+  host_.ChangeRecord(path, [](FileStatusRecord& record) { record.choices.Set(UserChoice::retryModify); });
   document->MarkEdited();
   CloseFile(ComPtr<IDispatch>(document), CloseMode::CloseWithoutSaving);
   // By the time CloseFile returns the host has closed it and the record is

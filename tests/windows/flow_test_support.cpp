@@ -8,6 +8,7 @@
 #include "common/text.h"
 #include "log/thread_names.h"
 #include "overlay/tick/custom_ui_updater.h"
+#include "overlay/windows/overlay_window_states.h"
 #include "overlay/windows/overlay_windows.h"
 #include "overlay/windows/ui_toolkit.h"
 #include "overlay/windows/window_class_names.h"
@@ -174,7 +175,7 @@ OfficeFlow::OfficeFlow(SimHost host) : host_(host) {
 
 OfficeFlow::~OfficeFlow() {
   // Whatever a failed test left on screen goes before the host does.
-  for (const std::wstring& path : TheFileStatusCache().Paths()) DestroyRecordOverlays(path);
+  DropAllWindowStates();
   sinks_.Unsubscribe(AddinHostOf(host_.host()), &host_.app());
   syncApp_.Stop();
 }
@@ -208,13 +209,13 @@ void OfficeFlow::Pump() {
 }
 
 HWND OfficeFlow::PanelOf(const std::wstring& path) {
-  const std::optional<FileStatusRecord> record = TheFileStatusCache().Find(path);
-  return record ? record->subOverlayWindow : nullptr;
+  const SharedWindowState state = FindWindowState(path);
+  return state ? state->subOverlayWindow : nullptr;
 }
 
 HWND OfficeFlow::BadgeOf(const std::wstring& path) {
-  const std::optional<FileStatusRecord> record = TheFileStatusCache().Find(path);
-  return record ? record->badgeWindow : nullptr;
+  const SharedWindowState state = FindWindowState(path);
+  return state ? state->badgeWindow : nullptr;
 }
 
 void OfficeFlow::Press(HWND panel, int id, Caller caller) {

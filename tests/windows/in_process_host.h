@@ -16,6 +16,7 @@
 #include "common/host_application.h"
 #include "common/office_app.h"
 #include "common/unique_resource.h"
+#include "common/unique_window.h"
 #include "log/log_folder.h"
 #include "synclink/file_status_cache.h"
 #include "synclink/immediate_update_event.h"
@@ -24,13 +25,7 @@
 #include "tools/officesim/sim_document.h"
 
 // A window the test owns: destroyed at the end unless something else did.
-struct TestWindowTraits {
-  using Type = HWND;
-  static Type Invalid() { return nullptr; }
-  static bool IsValid(Type h) { return h != nullptr && IsWindow(h); }
-  static void Close(Type h) { DestroyWindow(h); }
-};
-using UniqueWindowForTest = UniqueResource<TestWindowTraits>;
+using UniqueWindowForTest = UniqueWindow;
 
 inline HWND CreatePlainWindow() {
   return CreateWindowExW(0, L"STATIC", L"test window", WS_POPUP, 0, 0, 10, 10, nullptr, nullptr, nullptr, nullptr);

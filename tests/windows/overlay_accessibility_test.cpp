@@ -18,6 +18,7 @@
 #include "common/unique_resource.h"
 #include "overlay/decision/overlay_kind.h"
 #include "overlay/windows/overlay_accessible.h"
+#include "overlay/windows/overlay_window_states.h"
 #include "overlay/windows/panels.h"
 #include "overlay/windows/status_overlays.h"
 #include "synclink/file_status_cache.h"
@@ -157,16 +158,17 @@ class ScreenReader : public testing::Test {
     TheFileStatusCache().AddFile(path_, OfficeWindow(), 0, nullptr);
   }
   void TearDown() override {
+    DropWindowState(path_);
     TheFileStatusCache().RemoveFile(path_);
     EXPECT_EQ(LiveOverlayAccessibleObjects(), 0);
   }
 
-  // The record's badge shows `kind`.
+  // The file's badge shows `kind`: its window state says so, as the tick
+  // leaves it.
   void Shows(HWND badge, OverlayKind kind) {
-    TheFileStatusCache().Change(path_, [&](FileStatusRecord& record) {
-      record.badgeWindow = badge;
-      record.overlayKind = static_cast<std::int32_t>(kind);
-    });
+    const SharedWindowState state = WindowStateFor(path_, OfficeWindow());
+    state->overlayKind = static_cast<std::int32_t>(kind);
+    SetWindowLongPtrW(badge, GWLP_USERDATA, reinterpret_cast<LONG_PTR>(state.get()));
   }
 
   std::wstring path_;

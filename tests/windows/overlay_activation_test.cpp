@@ -91,7 +91,7 @@ TEST_F(TwoWordDocuments, AFailedExchangeTakesTheOtherDocumentsPanelDownWithoutBr
 }
 
 TEST_F(TwoWordDocuments, HidingTheOtherDocumentsOverlayLeavesTheTypingDocumentInFront) {
-  host_.ChangeRecord(background_, [](FileStatusRecord& record) { record.uiHide = 1; });
+  host_.ChangeRecord(background_, [](FileStatusRecord& record) { record.choices.Set(UserChoice::uiHide); });
   Tick();
   ExpectNothingShown(background_);
   ExpectTheTypingDocumentStaysInFront();
@@ -151,7 +151,7 @@ TEST_F(ActivationOfTheActiveDocument, APanelThatHeldTheActivationGivesItBackToIt
 TEST_F(ActivationOfTheActiveDocument, ABadgeWhosePanelHeldTheActivationGivesItBackToItsDocumentWhenTakenDown) {
   SetActiveWindow(panel_);
   ASSERT_EQ(GetActiveWindow(), panel_);
-  host_.ChangeRecord(path_, [](FileStatusRecord& record) { record.uiHide = 1; });
+  host_.ChangeRecord(path_, [](FileStatusRecord& record) { record.choices.Set(UserChoice::uiHide); });
   Tick();
   ExpectNothingShown(path_);
   EXPECT_EQ(GetActiveWindow(), host_.mainWindow());

@@ -9,6 +9,7 @@
 #include "addin/badge_visibility_setting.h"
 #include "common/text.h"
 #include "overlay/tick/badge_visibility_in_use.h"
+#include "overlay/windows/overlay_window_states.h"
 #include "tests/windows/flow_test_support.h"
 
 namespace {
@@ -61,6 +62,12 @@ class BadgeVisibilitySetting : public testing::Test {
     EXPECT_EQ(OnScreen(OfficeFlow::PanelOf(path_)), panel) << DescribePanel(OfficeFlow::PanelOf(path_));
   }
 
+  // The kind the file's badge shows (-1 without an overlay state).
+  int KindShown() const {
+    const SharedWindowState state = FindWindowState(path_);
+    return state ? state->overlayKind : -1;
+  }
+
   // The two requests of these stories, byte for byte: the same under every
   // value of the setting.
   void ExpectTheTwoUsualRequests(Caller caller = {}) {
@@ -84,7 +91,7 @@ TEST_F(BadgeVisibilitySetting, AlwaysShowsViewingOnlyAndTheConflict) {
   ExpectOnScreen(true, true);
   flow_.CycleAndTick();
   ExpectOnScreen(true, true);
-  EXPECT_EQ(InProcessHost::Record(path_).overlayKind, static_cast<std::int32_t>(OverlayKind::Conflict));
+  EXPECT_EQ(KindShown(), static_cast<std::int32_t>(OverlayKind::Conflict));
   ExpectTheTwoUsualRequests();
 }
 
@@ -96,7 +103,7 @@ TEST_F(BadgeVisibilitySetting, WhenNeededHidesViewingOnlyAndShowsTheConflict) {
   ExpectOnScreen(false, false);
   flow_.CycleAndTick();
   ExpectOnScreen(true, true);
-  EXPECT_EQ(InProcessHost::Record(path_).overlayKind, static_cast<std::int32_t>(OverlayKind::Conflict));
+  EXPECT_EQ(KindShown(), static_cast<std::int32_t>(OverlayKind::Conflict));
   ExpectTheTwoUsualRequests();
 }
 
@@ -121,7 +128,7 @@ TEST_F(BadgeVisibilitySetting, WhenNeededLeavesAPanelTheUserHasOpen) {
   // who views the file.
   flow_.CycleAndTick();
   ExpectOnScreen(true, true);
-  EXPECT_EQ(InProcessHost::Record(path_).overlayKind, static_cast<std::int32_t>(OverlayKind::ViewingOnly));
+  EXPECT_EQ(KindShown(), static_cast<std::int32_t>(OverlayKind::ViewingOnly));
   // The user clicks the badge to close the panel: with nothing left that
   // needs them, the badge goes at the next tick.
   HWND badge = OfficeFlow::BadgeOf(path_);

@@ -14,6 +14,7 @@
 #include <regex>
 
 #include "common/text.h"
+#include "overlay/windows/overlay_window_states.h"
 #include "tests/windows/flow_test_support.h"
 
 namespace {
@@ -71,6 +72,11 @@ class PanelFlow : public testing::TestWithParam<SimHost> {
   HWND Panel() const { return OfficeFlow::PanelOf(path_); }
   HWND Badge() const { return OfficeFlow::BadgeOf(path_); }
   FileStatusRecord Record() const { return InProcessHost::Record(path_); }
+  // The kind the file's badge shows (-1 without an overlay state).
+  int KindShown() const {
+    const SharedWindowState state = FindWindowState(path_);
+    return state ? state->overlayKind : -1;
+  }
   std::string P() const { return Narrow(path_); }
   std::string OnDisk() const { return ReadFileBytes(path_); }
 
@@ -139,7 +145,7 @@ TEST_P(PanelFlow, DownloadWithoutUnsavedChangesReloadsTheNewVersion) {
   EXPECT_TRUE(Shows(offer, L"Modified on 2026-11-23 09:41"));
   EXPECT_EQ(TextOf(offer, 3001), L"Download latest version");
   EXPECT_EQ(GetDlgItem(offer, 4001), nullptr);
-  EXPECT_EQ(Record().overlayKind, 7);
+  EXPECT_EQ(KindShown(), 7);
   EXPECT_TRUE(ContainsInOrder(flow_.Messages(), {"download: " + P()}));
 
   flow_.ClearLog();
@@ -161,7 +167,7 @@ TEST_P(PanelFlow, DownloadWithoutUnsavedChangesReloadsTheNewVersion) {
   EXPECT_EQ(barRect.top, panelSize.cy - 7);
   EXPECT_EQ(barRect.right - barRect.left, panelSize.cx);
   EXPECT_EQ(barRect.bottom - barRect.top, 7);
-  EXPECT_EQ(Record().downloadRequested, 1u);
+  EXPECT_TRUE(Record().choices.Has(UserChoice::downloadRequested));
   EXPECT_EQ(flow_.Messages(),
             (std::vector<std::string>{"download button clicked: " + P(),
                                       "download - user not editing - so save separate copy checkbox not available: " +
@@ -212,7 +218,7 @@ TEST_P(PanelFlow, DownloadWithUnsavedChangesKeepsThemInASeparateCopyNextToTheDoc
   flow_.Press(offer, 3001);
   EXPECT_EQ(flow_.Messages(), (std::vector<std::string>{"download button clicked: " + P(),
                                                          "download - save separate copy checkbox checked: " + P()}));
-  EXPECT_EQ(Record().saveSeparateCopy, 1u);
+  EXPECT_TRUE(Record().choices.Has(UserChoice::saveSeparateCopy));
   ExpectPanelOnScreen(Panel(), {3002});
 
   // The user chose the copy already: the confirmation only says "Reload".
@@ -297,7 +303,7 @@ TEST_P(PanelFlow, DownloadWithUnsavedChangesLetsThemGoWhenTheUserDiscardsThem) {
   flow_.Press(Panel(), 3001);
   EXPECT_EQ(flow_.Messages(), (std::vector<std::string>{"download button clicked: " + P(),
                                                          "download - save separate copy checkbox not checked: " + P()}));
-  EXPECT_EQ(Record().saveSeparateCopy, 0u);
+  EXPECT_FALSE(Record().choices.Has(UserChoice::saveSeparateCopy));
 
   flow_.CycleAndTick();
   HWND ask = Panel();
@@ -345,8 +351,8 @@ TEST_P(PanelFlow, ADownloadPressIsRememberedWhileTheSyncAppIsStillDownloading) {
     SCOPED_TRACE("cycle " + std::to_string(cycle + 2) + ", still downloading");
     ExpectPanelOnScreen(Panel(), {3002});
     EXPECT_EQ(TextOf(Panel(), 3002), L"Downloading...");
-    EXPECT_EQ(Record().downloadRequested, 1u);
-    EXPECT_EQ(Record().saveSeparateCopy, 1u);
+    EXPECT_TRUE(Record().choices.Has(UserChoice::downloadRequested));
+    EXPECT_TRUE(Record().choices.Has(UserChoice::saveSeparateCopy));
   }
 
   // Downloaded: the user chose the separate copy already, so the
@@ -355,7 +361,7 @@ TEST_P(PanelFlow, ADownloadPressIsRememberedWhileTheSyncAppIsStillDownloading) {
   HWND reload = Panel();
   ExpectPanelOnScreen(reload, {3003});
   EXPECT_TRUE(Shows(reload, L"To load the latest version of this file, click \"Reload\"."));
-  EXPECT_EQ(Record().reloadPromptPlain, 1u);
+  EXPECT_TRUE(Record().choices.Has(UserChoice::reloadPromptPlain));
   ExpectStillOpenWithTheUsersChanges(document);
 }
 
@@ -373,7 +379,7 @@ TEST_P(PanelFlow, AnUntickedBoxIsRememberedWhileTheSyncAppIsStillDownloading) {
   // The user did not keep a copy: the confirmation asks about the changes.
   flow_.CycleAndTick();
   ExpectPanelOnScreen(Panel(), {3004, 3005});
-  EXPECT_EQ(Record().reloadPromptAskSave, 1u);
+  EXPECT_TRUE(Record().choices.Has(UserChoice::reloadPromptAskSave));
   ExpectStillOpenWithTheUsersChanges(document);
 }
 
@@ -386,7 +392,7 @@ TEST_P(PanelFlow, ConflictResolvedWithContinueClosesTheFileForTheResolveWindow) 
   ExpectPanelOnScreen(conflict, {3006});
   EXPECT_TRUE(Shows(conflict, L"File conflict occurred"));
   EXPECT_EQ(TextOf(conflict, 3006), L"Resolve conflict");
-  EXPECT_EQ(Record().overlayKind, 6);
+  EXPECT_EQ(KindShown(), 6);
 
   flow_.ClearLog();
   flow_.Press(conflict, 3006);
@@ -481,7 +487,7 @@ TEST_P(PanelFlow, RenameFollowedWithReloadClosesTheFile) {
   EXPECT_EQ(TextOf(renamed, 5002), Named(L"final"));
   EXPECT_EQ(TextOf(renamed, 3010), L"Reload");
   EXPECT_EQ(WindowSizeOf(renamed).cy, 365);
-  EXPECT_EQ(Record().overlayKind, 5);
+  EXPECT_EQ(KindShown(), 5);
 
   flow_.ClearLog();
   flow_.Press(renamed, 3010);
@@ -607,7 +613,7 @@ TEST_P(PanelFlow, ADeletedFileAsksTheUserToCloseItAndItsCloseIsReported) {
                              L"be available anymore."));
   // The designed 175, plus the 11 its three-line description needs in Arial.
   EXPECT_EQ(WindowSizeOf(deleted).cy, 186);
-  EXPECT_EQ(Record().overlayKind, 5);
+  EXPECT_EQ(KindShown(), 5);
   EXPECT_TRUE(ContainsInOrder(flow_.Messages(), {"delete: " + P()}));
 
   HWND badge = Badge();
@@ -628,15 +634,15 @@ TEST_P(PanelFlow, HideTakesBothWindowsAwayAndTellsTheSyncAppAtOnce) {
   ASSERT_NE(document, nullptr);
   HWND viewers = Panel();
   ExpectPanelOnScreen(viewers, {3014});
-  EXPECT_EQ(Record().overlayKind, 8);
+  EXPECT_EQ(KindShown(), 8);
   HWND badge = Badge();
 
   flow_.ClearLog();
   flow_.Press(viewers, 3014);
   EXPECT_FALSE(IsWindow(viewers));
   EXPECT_FALSE(IsWindow(badge));
-  EXPECT_EQ(Record().uiHide, 1u);
-  EXPECT_EQ(Record().overlayKind, 0);
+  EXPECT_TRUE(Record().choices.Has(UserChoice::uiHide));
+  EXPECT_EQ(KindShown(), 0);
   EXPECT_EQ(flow_.Messages(), std::vector<std::string>{"user clicked hide option: " + P()});
   RequestFields hidden;
   hidden.withUiHide = true;
@@ -681,7 +687,7 @@ TEST_P(PanelFlow, SavingAReadOnlyDocumentShowsWhyAndClosesNothing) {
                                                          "read-only file: " + P(),
                                                          "rename/move save/discard completed"}));
   ExpectStillOpenWithTheUsersChanges(document);
-  EXPECT_EQ(Record().skipNextUpdate, 1u);
+  EXPECT_TRUE(Record().choices.Has(UserChoice::skipNextUpdate));
   // Nothing was sent besides the first cycle's request, and the next cycle
   // does not say the user accepted the rename: the file is still open here.
   EXPECT_EQ(flow_.Requests().size(), 1u);
@@ -727,7 +733,7 @@ TEST_P(PanelFlow, ASaveThatFailsShowsTheSaveErrorAndClosesNothing) {
                                                          "going to close file", notClosed,
                                                          "rename/move save/discard completed"}));
   ExpectStillOpenWithTheUsersChanges(document);
-  EXPECT_EQ(Record().skipNextUpdate, 1u);
+  EXPECT_TRUE(Record().choices.Has(UserChoice::skipNextUpdate));
   EXPECT_EQ(flow_.Requests().size(), 1u);
   flow_.Cycle();
   RequestFields stillOpen;
@@ -752,7 +758,7 @@ TEST_P(PanelFlow, AConflictSaveThatFailsKeepsTheDocumentOpenAndTheConflictUnreso
                                                          "going to close file", notClosed,
                                                          "resolve conflict save/discard completed"}));
   ExpectStillOpenWithTheUsersChanges(document);
-  EXPECT_EQ(Record().resolveConflict, 0u);
+  EXPECT_FALSE(Record().choices.Has(UserChoice::resolveConflict));
   HWND error = Panel();
   ExpectPanelOnScreen(error, {});
   EXPECT_TRUE(Shows(error, L"An error occurred while saving the file. Please ensure you have sufficient privileges "
@@ -794,8 +800,8 @@ TEST_P(PanelFlow, ASeparateCopyThatCannotBeMadeShowsTheSaveErrorAndClosesNothing
       << messages[3];
   ExpectStillOpenWithTheUsersChanges(document);
   EXPECT_EQ(FilesIn(flow_.host().folder()), std::vector<std::wstring>{name_});
-  EXPECT_EQ(Record().retryModify, 0u);
-  EXPECT_EQ(Record().skipNextUpdate, 1u);
+  EXPECT_FALSE(Record().choices.Has(UserChoice::retryModify));
+  EXPECT_TRUE(Record().choices.Has(UserChoice::skipNextUpdate));
   EXPECT_EQ(flow_.Requests().size(), 2u);
 }
 
@@ -813,7 +819,7 @@ TEST_P(PanelFlow, TheTickAfterTheSaveErrorLeavesItOnceAndTheNextAsksAgain) {
   flow_.CycleAndTick();
   EXPECT_EQ(Panel(), error);
   ExpectPanelOnScreen(error, {});
-  EXPECT_EQ(Record().skipNextUpdate, 0u);
+  EXPECT_FALSE(Record().choices.Has(UserChoice::skipNextUpdate));
 
   flow_.CycleAndTick();
   HWND again = Panel();
@@ -861,8 +867,8 @@ TEST_P(PanelFlow, AReloadTheHostRefusesBringsTheBadgeAndTheReloadConfirmationBac
   EXPECT_TRUE(TheFileStatusCache().Contains(path_));
   flow_.Tick();
   ExpectPanelOnScreen(Panel(), {3003});
-  EXPECT_EQ(Record().overlayKind, 7);
-  EXPECT_EQ(Record().retryModify, 0u);
+  EXPECT_EQ(KindShown(), 7);
+  EXPECT_FALSE(Record().choices.Has(UserChoice::retryModify));
 
   // Tried again, the close happens.
   document->SetRefusingClose(false);
@@ -930,7 +936,7 @@ TEST_P(PanelFlow, AConflictSavedButNotClosedOffersContinueAgainWithoutASaveError
                               L"and try again."));
   flow_.Tick();
   ExpectPanelOnScreen(Panel(), {3007});
-  EXPECT_EQ(Record().resolveConflict, 0u);
+  EXPECT_FALSE(Record().choices.Has(UserChoice::resolveConflict));
 
   document->SetRefusingClose(false);
   HWND badge = Badge();
@@ -951,7 +957,7 @@ TEST_P(PanelFlow, ARenameSavedButNotClosedOffersContinueAgainWithoutASaveError) 
                               L"and try again."));
   flow_.Tick();
   ExpectPanelOnScreen(Panel(), {3011});
-  EXPECT_EQ(Record().retryRenameOrMove, 0u);
+  EXPECT_FALSE(Record().choices.Has(UserChoice::retryRenameOrMove));
 
   document->SetRefusingClose(false);
   HWND badge = Badge();
@@ -1023,12 +1029,12 @@ TEST_P(PanelFlow, TheConflictConfirmationAsksAboutChangesOnceThereAreSome) {
   document->MarkEdited();
   flow_.Tick();
   ExpectPanelOnScreen(Panel(), {3008, 3009});
-  EXPECT_EQ(Record().conflictAskShown, 1u);
+  EXPECT_TRUE(Record().choices.Has(UserChoice::conflictAskShown));
 
   ASSERT_TRUE(document->Save());
   flow_.Tick();
   ExpectPanelOnScreen(Panel(), {3007});
-  EXPECT_EQ(Record().conflictAskShown, 0u);
+  EXPECT_FALSE(Record().choices.Has(UserChoice::conflictAskShown));
 }
 
 // "Continue" was offered while there were no unsaved changes. Changes typed
@@ -1047,8 +1053,8 @@ TEST_P(PanelFlow, ContinueOnAConflictAsksAboutChangesTypedSinceItWasOffered) {
   flow_.ClearLog();
   flow_.Press(confirm, 3007);
   ExpectPanelOnScreen(Panel(), {3008, 3009});
-  EXPECT_EQ(Record().conflictAskShown, 1u);
-  EXPECT_EQ(Record().resolveConflict, 0u);
+  EXPECT_TRUE(Record().choices.Has(UserChoice::conflictAskShown));
+  EXPECT_FALSE(Record().choices.Has(UserChoice::resolveConflict));
   EXPECT_EQ(flow_.Messages(), std::vector<std::string>{"resolve conflict continue button clicked: " + P()});
   ExpectStillOpenWithTheUsersChanges(document);
   EXPECT_EQ(flow_.Requests().size(), requestsBefore);
@@ -1066,8 +1072,8 @@ TEST_P(PanelFlow, ContinueOnARenameAsksAboutChangesTypedSinceItWasOffered) {
   flow_.ClearLog();
   flow_.Press(confirm, 3011);
   ExpectPanelOnScreen(Panel(), {3012, 3013});
-  EXPECT_EQ(Record().renameMoveAskShown, 1u);
-  EXPECT_EQ(Record().retryRenameOrMove, 0u);
+  EXPECT_TRUE(Record().choices.Has(UserChoice::renameMoveAskShown));
+  EXPECT_FALSE(Record().choices.Has(UserChoice::retryRenameOrMove));
   EXPECT_EQ(flow_.Messages(), std::vector<std::string>{"rename/move continue button clicked: " + P()});
   ExpectStillOpenWithTheUsersChanges(document);
   EXPECT_EQ(flow_.Requests().size(), requestsBefore);
@@ -1082,12 +1088,12 @@ TEST_P(PanelFlow, TheRenameConfirmationAsksAboutChangesOnceThereAreSome) {
   document->MarkEdited();
   flow_.Tick();
   ExpectPanelOnScreen(Panel(), {3012, 3013});
-  EXPECT_EQ(Record().renameMoveAskShown, 1u);
+  EXPECT_TRUE(Record().choices.Has(UserChoice::renameMoveAskShown));
 
   ASSERT_TRUE(document->Save());
   flow_.Tick();
   ExpectPanelOnScreen(Panel(), {3011});
-  EXPECT_EQ(Record().renameMoveAskShown, 0u);
+  EXPECT_FALSE(Record().choices.Has(UserChoice::renameMoveAskShown));
 }
 
 TEST_P(PanelFlow, TheReloadConfirmationAsksAboutChangesOnceThereAreSome) {
@@ -1100,12 +1106,12 @@ TEST_P(PanelFlow, TheReloadConfirmationAsksAboutChangesOnceThereAreSome) {
   document->MarkEdited();
   flow_.Tick();
   ExpectPanelOnScreen(Panel(), {3004, 3005});
-  EXPECT_EQ(Record().reloadPromptAskSave, 1u);
+  EXPECT_TRUE(Record().choices.Has(UserChoice::reloadPromptAskSave));
 
   ASSERT_TRUE(document->Save());
   flow_.Tick();
   ExpectPanelOnScreen(Panel(), {3003});
-  EXPECT_EQ(Record().reloadPromptPlain, 1u);
+  EXPECT_TRUE(Record().choices.Has(UserChoice::reloadPromptPlain));
 }
 
 INSTANTIATE_TEST_SUITE_P(EveryHost, PanelFlow, testing::Values(SimHost::Word, SimHost::Excel, SimHost::PowerPoint),

@@ -88,9 +88,9 @@ class PanelMessages : public testing::Test {
     EXPECT_TRUE(IsWindow(panel_));
     EXPECT_EQ(PanelOf(path_), panel_);
     const FileStatusRecord record = host_.Record(path_);
-    EXPECT_EQ(record.uiHide, 0u);
-    EXPECT_EQ(record.retryModify, 0u);
-    EXPECT_EQ(record.downloadRequested, 0u);
+    EXPECT_FALSE(record.choices.Has(UserChoice::uiHide));
+    EXPECT_FALSE(record.choices.Has(UserChoice::retryModify));
+    EXPECT_FALSE(record.choices.Has(UserChoice::downloadRequested));
     EXPECT_EQ(host_.app().openDocumentCount(), 1u);
     syncSim_.Stop();
     EXPECT_EQ(ReadFileBytes(record_), "");
@@ -128,7 +128,7 @@ class PanelMessages : public testing::Test {
 TEST_F(PanelMessages, APressFromThePanelsOwnVisibleButtonActs) {
   Command(kHide, hide_);
   EXPECT_FALSE(IsWindow(panel_));
-  EXPECT_EQ(host_.Record(path_).uiHide, 1u);
+  EXPECT_TRUE(host_.Record(path_).choices.Has(UserChoice::uiHide));
   syncSim_.Stop();
   EXPECT_NE(ReadFileBytes(record_).find("\"uiHide\":true"), std::string::npos);
 }

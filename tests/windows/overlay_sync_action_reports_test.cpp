@@ -131,7 +131,7 @@ TEST_P(SyncActionReport, ASlowSaveThatFailsNeverTellsTheSyncAppTheConflictIsReso
   ExpectChoiceOnlyWithTheClose(false);
   EXPECT_EQ(flow_.app().FindDocument(path_), document);
   EXPECT_FALSE(document->saved());
-  EXPECT_EQ(InProcessHost::Record(path_).resolveConflict, 0u);
+  EXPECT_EQ(InProcessHost::Record(path_).choices.Has(UserChoice::resolveConflict), 0u);
 }
 
 TEST_P(SyncActionReport, ASlowCloseTellsTheChoiceOnlyOnceTheDocumentIsClosed) {
@@ -173,7 +173,7 @@ TEST_P(SyncActionReport, ACloseAnotherAddinCancelsKeepsTheFileAndTellsNothing) {
   EXPECT_FALSE(document->saved());
   ASSERT_TRUE(TheFileStatusCache().Contains(path_));
   const FileStatusRecord record = InProcessHost::Record(path_);
-  EXPECT_EQ(record.retryModify, 0u);
+  EXPECT_FALSE(record.choices.Has(UserChoice::retryModify));
   EXPECT_EQ(record.closingForSyncAction, 0u);
   RequestFields stillOpen;
   stillOpen.isEditing = true;

@@ -14,6 +14,7 @@
 #include <string>
 #include <vector>
 
+#include "common/unique_window.h"
 #include "tests/caller.h"
 #include "tests/windows/wine_test_support.h"
 
@@ -40,12 +41,7 @@ POINT BadgeHome();
 void PumpMessagesFor(DWORD milliseconds);
 
 // Destroys a window the test made, unless something already did.
-struct OverlayWindowTraits {
-  using Type = HWND;
-  static Type Invalid() { return nullptr; }
-  static bool IsValid(Type h) { return h != nullptr && IsWindow(h); }
-  static void Close(Type h) { DestroyWindow(h); }
-};
+using OverlayWindowTraits = WindowTraits;
 
 // --- Colours ---
 

@@ -5,6 +5,7 @@
 // and a window destroyed from outside is forgotten by its record at once.
 #include <gtest/gtest.h>
 
+#include "synclink/record_lock.h"
 #include "synclink/sync_app_pipe.h"
 #include "tests/windows/sync_sim_process.h"
 #include "tests/windows/tick_test_support.h"
@@ -91,7 +92,7 @@ TEST_F(OverlayWindowProc, ADragCentresTheBadgeOnTheCursorAndStoresItsPosition) {
   MoveTo(badge_, 10, 20);
   // The cursor is at (810, 670) on the screen; the badge's middle goes there.
   EXPECT_TRUE(RectIs(WindowRectOf(badge_), 775, 635, 845, 705));
-  const FileStatusRecord record = host_.Record(path_);
+  const OverlayWindowState record = WindowsOf(path_);
   EXPECT_EQ(record.posX, 775);
   EXPECT_EQ(record.posY, 635);
   EXPECT_EQ(record.buttonDown, 1u);
@@ -106,10 +107,25 @@ TEST_F(OverlayWindowProc, ADragThatWouldCrossAnEdgeOfTheOfficeWindowDoesNotMoveT
     Press(badge_, 35, 35);
     MoveTo(badge_, corner.x - 800 + 35, corner.y - 650 + 35);
     EXPECT_TRUE(RectIs(WindowRectOf(badge_), 800, 650, 870, 720)) << corner.x << ", " << corner.y;
-    EXPECT_EQ(host_.Record(path_).posX, 800);
-    EXPECT_EQ(host_.Record(path_).posY, 650);
+    EXPECT_EQ(WindowsOf(path_).posX, 800);
+    EXPECT_EQ(WindowsOf(path_).posY, 650);
     Release(badge_, 0, 0);
   }
+}
+
+// The badge's own state is found through the window: dragging it never
+// waits on the cache, whatever the number of open documents.
+TEST_F(OverlayWindowProc, PressingDraggingAndReleasingTheBadgeNeverTakesTheCacheLock) {
+  const std::uint64_t before = RecordLock::Acquisitions();
+  Press(badge_, 35, 35);
+  MoveTo(badge_, 10, 20);
+  MoveTo(badge_, 12, 22);
+  Release(badge_, 12, 22);
+  EXPECT_EQ(RecordLock::Acquisitions() - before, 0u);
+  // The second move is in the moved badge's own coordinates: the cursor at
+  // (787, 657) on the screen.
+  EXPECT_TRUE(RectIs(WindowRectOf(badge_), 752, 622, 822, 692));
+  EXPECT_EQ(WindowsOf(path_).posX, 752);
 }
 
 TEST_F(OverlayWindowProc, ADragEndsWithoutTogglingThePanel) {
@@ -118,7 +134,7 @@ TEST_F(OverlayWindowProc, ADragEndsWithoutTogglingThePanel) {
   ShowWindow(panel_, SW_HIDE);
   DragTo(badge_, 600, 600);
   EXPECT_FALSE(IsWindowVisible(panel_));
-  const FileStatusRecord record = host_.Record(path_);
+  const OverlayWindowState record = WindowsOf(path_);
   EXPECT_EQ(record.buttonDown, 0u);
   EXPECT_EQ(record.dragged, 0u);
   EXPECT_EQ(record.posX, 600);
@@ -127,13 +143,13 @@ TEST_F(OverlayWindowProc, ADragEndsWithoutTogglingThePanel) {
 TEST_F(OverlayWindowProc, AMoveWithoutAPressDoesNotDrag) {
   MoveTo(badge_, 10, 20);
   EXPECT_TRUE(RectIs(WindowRectOf(badge_), 800, 650, 870, 720));
-  EXPECT_EQ(host_.Record(path_).dragged, 0u);
+  EXPECT_EQ(WindowsOf(path_).dragged, 0u);
 }
 
 TEST_F(OverlayWindowProc, APressCapturesTheMouseAndTheReleaseLetsItGo) {
   Press(badge_, 35, 35);
   EXPECT_EQ(GetCapture(), badge_);
-  const FileStatusRecord pressed = host_.Record(path_);
+  const OverlayWindowState pressed = WindowsOf(path_);
   EXPECT_EQ(pressed.pressX, 835);
   EXPECT_EQ(pressed.pressY, 685);
   Release(badge_, 35, 35);
@@ -151,10 +167,10 @@ TEST_F(OverlayWindowProc, AMoveInsideTheDragRectangleLeavesTheBadgeAndTheRelease
   MoveTo(badge_, 36, 35);
   MoveTo(badge_, 35 + cx, 35 - cy);
   EXPECT_TRUE(RectIs(WindowRectOf(badge_), 800, 650, 870, 720));
-  EXPECT_EQ(host_.Record(path_).dragged, 0u);
+  EXPECT_EQ(WindowsOf(path_).dragged, 0u);
   Release(badge_, 35 + cx, 35 - cy);
   EXPECT_FALSE(IsWindowVisible(panel_));  // the click closed the open panel
-  EXPECT_EQ(host_.Record(path_).buttonDown, 0u);
+  EXPECT_EQ(WindowsOf(path_).buttonDown, 0u);
   EXPECT_EQ(GetCapture(), nullptr);
 }
 
@@ -163,7 +179,7 @@ TEST_F(OverlayWindowProc, AMoveOnePixelBeyondTheDragRectangleStartsTheDrag) {
   Press(badge_, 35, 35);
   MoveTo(badge_, 35 + cx + 1, 35);
   EXPECT_TRUE(RectIs(WindowRectOf(badge_), 801 + cx, 650, 871 + cx, 720));
-  EXPECT_EQ(host_.Record(path_).dragged, 1u);
+  EXPECT_EQ(WindowsOf(path_).dragged, 1u);
   Release(badge_, 35, 35);
   EXPECT_TRUE(IsWindowVisible(panel_));  // a drag, not a click
 }
@@ -175,7 +191,7 @@ TEST_F(OverlayWindowProc, ALostCaptureEndsTheDrag) {
   ASSERT_TRUE(RectIs(WindowRectOf(badge_), 775, 635, 845, 705));
   // An Office dialog takes the mouse; the badge hears of it and is let go.
   SetCapture(dialog.get());
-  FileStatusRecord record = host_.Record(path_);
+  OverlayWindowState record = WindowsOf(path_);
   EXPECT_EQ(record.buttonDown, 0u);
   EXPECT_EQ(record.dragged, 0u);
   // Later the cursor passes over the badge, even with the button held:
@@ -192,7 +208,7 @@ TEST_F(OverlayWindowProc, AMoveWithoutTheLeftButtonEndsTheDrag) {
   // The button went up where the badge did not hear it.
   SendMessageW(badge_, WM_MOUSEMOVE, 0, At(60, 60));
   EXPECT_TRUE(RectIs(WindowRectOf(badge_), 775, 635, 845, 705));
-  const FileStatusRecord record = host_.Record(path_);
+  const OverlayWindowState record = WindowsOf(path_);
   EXPECT_EQ(record.buttonDown, 0u);
   EXPECT_EQ(record.dragged, 0u);
   EXPECT_NE(GetCapture(), badge_);
@@ -209,7 +225,7 @@ TEST_F(OverlayWindowProc, ABadgeRebuiltInTheMiddleOfADragDoesNotFollowTheCursor)
   const HWND rebuilt = BadgeOf(path_);
   ASSERT_NE(rebuilt, nullptr);
   const RECT before = WindowRectOf(rebuilt);
-  EXPECT_EQ(host_.Record(path_).buttonDown, 0u);
+  EXPECT_EQ(WindowsOf(path_).buttonDown, 0u);
   MoveTo(rebuilt, 10, 10);
   EXPECT_TRUE(RectIs(WindowRectOf(rebuilt), before.left, before.top, before.right, before.bottom));
 }
@@ -223,17 +239,17 @@ TEST_F(OverlayWindowProc, TheCursorIsTheHandOverTheClientAreaAndTheArrowElsewher
   EXPECT_EQ(GetCursor(), LoadCursorW(nullptr, IDC_ARROW));
 }
 
-TEST_F(OverlayWindowProc, ABadgeDestroyedFromOutsideIsForgottenByItsRecordAtOnceWithItsPanel) {
+TEST_F(OverlayWindowProc, ABadgeDestroyedFromOutsideIsForgottenByItsOverlayStateAtOnceWithItsPanel) {
   DestroyWindow(badge_);
-  const FileStatusRecord record = host_.Record(path_);
+  const OverlayWindowState record = WindowsOf(path_);
   EXPECT_EQ(record.badgeWindow, nullptr);
   EXPECT_EQ(record.subOverlayWindow, nullptr);
   EXPECT_FALSE(IsWindow(panel_));
 }
 
-TEST_F(OverlayWindowProc, APanelDestroyedFromOutsideIsForgottenByItsRecordAtOnce) {
+TEST_F(OverlayWindowProc, APanelDestroyedFromOutsideIsForgottenByItsOverlayStateAtOnce) {
   DestroyWindow(panel_);
-  const FileStatusRecord record = host_.Record(path_);
+  const OverlayWindowState record = WindowsOf(path_);
   EXPECT_EQ(record.subOverlayWindow, nullptr);
   EXPECT_EQ(record.badgeWindow, badge_);
 }
@@ -265,16 +281,17 @@ class HideOption : public OverlayWindowProc {
 };
 
 TEST_F(HideOption, TakesBothWindowsAwayAtOnceAndMarksTheRecord) {
-  host_.ChangeRecord(path_, [](FileStatusRecord& record) { record.retryDelete = 1; });
+  host_.ChangeRecord(path_, [](FileStatusRecord& record) { record.choices.Set(UserChoice::retryDelete); });
   PressHide();
   EXPECT_FALSE(IsWindow(badge_));
   EXPECT_FALSE(IsWindow(panel_));
   const FileStatusRecord record = host_.Record(path_);
-  EXPECT_EQ(record.uiHide, 1u);
-  EXPECT_EQ(record.overlayKind, 0);
-  EXPECT_EQ(record.badgeWindow, nullptr);
-  EXPECT_EQ(record.subOverlayWindow, nullptr);
-  EXPECT_EQ(record.retryDelete, 0u);
+  const OverlayWindowState recordWindows = WindowsOf(path_);
+  EXPECT_TRUE(record.choices.Has(UserChoice::uiHide));
+  EXPECT_EQ(recordWindows.overlayKind, 0);
+  EXPECT_EQ(recordWindows.badgeWindow, nullptr);
+  EXPECT_EQ(recordWindows.subOverlayWindow, nullptr);
+  EXPECT_FALSE(record.choices.Has(UserChoice::retryDelete));
   EXPECT_EQ(InfoMessages(), std::vector<std::string>{"user clicked hide option: " + Narrow(path_)});
 }
 
@@ -286,7 +303,7 @@ TEST_F(HideOption, AClickOnTheHideButtonItselfTakesBothWindowsAway) {
   SendMessageW(button, BM_CLICK, 0, 0);
   EXPECT_FALSE(IsWindow(badge_));
   EXPECT_FALSE(IsWindow(panel_));
-  EXPECT_EQ(host_.Record(path_).uiHide, 1u);
+  EXPECT_TRUE(host_.Record(path_).choices.Has(UserChoice::uiHide));
 }
 
 TEST_F(HideOption, TellsTheSyncAppAtOnceWithUiHideBetweenRetryDeleteAndTheFileId) {
@@ -306,6 +323,6 @@ TEST_F(HideOption, KeepsTheBadgeAwayOnLaterTicksWhileUiHideIsSet) {
   Answer(path_, answer);
   Ticks(3);
   ExpectNothingShown(path_);
-  EXPECT_EQ(host_.Record(path_).uiHide, 1u);
+  EXPECT_TRUE(host_.Record(path_).choices.Has(UserChoice::uiHide));
 }
 }  // namespace

@@ -5,6 +5,7 @@
 #include "addin/document_handlers.h"
 #include "common/module_instance.h"
 #include "overlay/tick/custom_ui_updater.h"
+#include "overlay/windows/overlay_window_states.h"
 #include "overlay/windows/overlay_windows.h"
 #include "overlay/windows/ui_toolkit.h"
 #include "overlay/windows/window_class_names.h"
@@ -135,7 +136,9 @@ OverlayHost::OverlayHost(SimHost host, const RECT& office) : InProcessHost(host)
 }
 
 OverlayHost::~OverlayHost() {
-  for (const std::wstring& path : CachedPaths()) DestroyRecordOverlays(path);
+  // Every file's windows and overlay state go before the records do: the
+  // next test may open a file of the same name.
+  DropAllWindowStates();
   TheFileStatusCache().syncAppHasData = true;
   PumpMessages();
 }
@@ -152,44 +155,43 @@ SimDocument* OverlayHost::OpenAnswered(const std::wstring& baseName, const Answe
   return document;
 }
 
-HWND BadgeOf(const std::wstring& path) {
-  const std::optional<FileStatusRecord> record = TheFileStatusCache().Find(path);
-  return record ? record->badgeWindow : nullptr;
+OverlayWindowState WindowsOf(const std::wstring& path) {
+  const SharedWindowState state = FindWindowState(path);
+  return state ? *state : OverlayWindowState{};
 }
 
-HWND PanelOf(const std::wstring& path) {
-  const std::optional<FileStatusRecord> record = TheFileStatusCache().Find(path);
-  return record ? record->subOverlayWindow : nullptr;
-}
+HWND BadgeOf(const std::wstring& path) { return WindowsOf(path).badgeWindow; }
+
+HWND PanelOf(const std::wstring& path) { return WindowsOf(path).subOverlayWindow; }
 
 int KindOf(const std::wstring& path) {
-  const std::optional<FileStatusRecord> record = TheFileStatusCache().Find(path);
-  return record ? record->overlayKind : -1;
+  if (!TheFileStatusCache().Contains(path)) return -1;
+  return WindowsOf(path).overlayKind;
 }
 
 void ExpectBadgeAndPanel(const std::wstring& path, int kind, const std::wstring& panelText, bool panelVisible,
                          POINT at, Caller caller) {
   TRACE_CALLER(caller);
-  const std::optional<FileStatusRecord> record = TheFileStatusCache().Find(path);
-  ASSERT_TRUE(record.has_value()) << Narrow(path);
-  EXPECT_EQ(record->overlayKind, kind);
-  ASSERT_NE(record->badgeWindow, nullptr);
-  EXPECT_EQ(ClassNameOf(record->badgeWindow), L"QelvoFilewellSync-MSOfficeAddin-MainUI");
-  EXPECT_TRUE(IsWindowVisible(record->badgeWindow));
-  EXPECT_TRUE(RectIs(WindowRectOf(record->badgeWindow), at.x, at.y, at.x + kBadgeSize, at.y + kBadgeSize));
-  EXPECT_EQ(record->posX, at.x);
-  EXPECT_EQ(record->posY, at.y);
-  ASSERT_NE(record->subOverlayWindow, nullptr);
-  EXPECT_EQ(OwnerOf(record->subOverlayWindow), record->badgeWindow);
-  EXPECT_TRUE(HasChildText(record->subOverlayWindow, panelText)) << Narrow(panelText);
-  EXPECT_EQ(IsWindowVisible(record->subOverlayWindow) != FALSE, panelVisible);
+  ASSERT_TRUE(TheFileStatusCache().Contains(path)) << Narrow(path);
+  const OverlayWindowState windows = WindowsOf(path);
+  EXPECT_EQ(windows.overlayKind, kind);
+  ASSERT_NE(windows.badgeWindow, nullptr);
+  EXPECT_EQ(ClassNameOf(windows.badgeWindow), L"QelvoFilewellSync-MSOfficeAddin-MainUI");
+  EXPECT_TRUE(IsWindowVisible(windows.badgeWindow));
+  EXPECT_TRUE(RectIs(WindowRectOf(windows.badgeWindow), at.x, at.y, at.x + kBadgeSize, at.y + kBadgeSize));
+  EXPECT_EQ(windows.posX, at.x);
+  EXPECT_EQ(windows.posY, at.y);
+  ASSERT_NE(windows.subOverlayWindow, nullptr);
+  EXPECT_EQ(OwnerOf(windows.subOverlayWindow), windows.badgeWindow);
+  EXPECT_TRUE(HasChildText(windows.subOverlayWindow, panelText)) << Narrow(panelText);
+  EXPECT_EQ(IsWindowVisible(windows.subOverlayWindow) != FALSE, panelVisible);
 }
 
 void ExpectNothingShown(const std::wstring& path, Caller caller) {
   TRACE_CALLER(caller);
-  const std::optional<FileStatusRecord> record = TheFileStatusCache().Find(path);
-  ASSERT_TRUE(record.has_value()) << Narrow(path);
-  EXPECT_EQ(record->overlayKind, 0);
-  EXPECT_EQ(record->badgeWindow, nullptr);
-  EXPECT_EQ(record->subOverlayWindow, nullptr);
+  ASSERT_TRUE(TheFileStatusCache().Contains(path)) << Narrow(path);
+  const OverlayWindowState windows = WindowsOf(path);
+  EXPECT_EQ(windows.overlayKind, 0);
+  EXPECT_EQ(windows.badgeWindow, nullptr);
+  EXPECT_EQ(windows.subOverlayWindow, nullptr);
 }

@@ -10,6 +10,7 @@
 #include <string>
 #include <vector>
 
+#include "overlay/windows/overlay_window_state.h"
 #include "synclink/file_status_record.h"
 #include "tests/caller.h"
 #include "tests/windows/in_process_host.h"
@@ -83,7 +84,10 @@ class OverlayHost : public InProcessHost {
   void Activate(SimDocument* document) { app().ActivateDocument(document); }
 };
 
-// The record's windows, read from a fresh copy.
+// A copy of the file's overlay window state (an empty one when it has none).
+OverlayWindowState WindowsOf(const std::wstring& path);
+// The file's windows and the kind its badge shows (-1 for a file not
+// cached).
 HWND BadgeOf(const std::wstring& path);
 HWND PanelOf(const std::wstring& path);
 int KindOf(const std::wstring& path);

@@ -201,7 +201,7 @@ int RunProbe(const ProbeOptions& options) {
   // "uiHide":true and is sent from Office's UI thread.
   const std::wstring& hiddenPath = options.files.front();
   if (report.Ready("hidden-overlay", {"answer-frame"})) {
-    cache.Change(hiddenPath, [](FileStatusRecord& record) { record.uiHide = 1; });
+    cache.Change(hiddenPath, [](FileStatusRecord& record) { record.choices.Set(UserChoice::uiHide); });
     const RawExchange hidden = ExchangeRaw(options.pipeName, cache.BuildRequest(hiddenPath, 1), kLimits);
     std::wstring seen;
     const bool ok = Answered(hidden, seen);
