@@ -12,12 +12,13 @@
 #include "log/log_last_error.h"
 #include "log/write_log.h"
 #include "overlay/images/avatar_loading.h"
-#include "overlay/layouts/control_styles.h"
 #include "overlay/images/image_file_names.h"
 #include "overlay/images/image_loading.h"
-#include "overlay/windows/overlay_fonts.h"
 #include "overlay/images/overlay_images.h"
 #include "overlay/images/panel_bitmaps.h"
+#include "overlay/layouts/control_styles.h"
+#include "overlay/windows/control_colours.h"
+#include "overlay/windows/overlay_fonts.h"
 
 namespace {
 Rect ToRect(const RECT& r) { return {r.left, r.top, r.right, r.bottom}; }
@@ -26,6 +27,12 @@ Rect ToRect(const RECT& r) { return {r.left, r.top, r.right, r.bottom}; }
 // our own manifest's activation context, whatever Office runs under.
 bool NeedsModuleActivation(const wchar_t* className) {
   return lstrcmpiW(className, kSysLinkClass) == 0 || lstrcmpiW(className, kProgressBarClass) == 0;
+}
+
+// The system's texts and buttons ask their parent for colours and, when
+// owner-drawn, for painting; our own classes paint themselves.
+bool TakesItsLookFromTheStep(const wchar_t* className) {
+  return lstrcmpiW(className, kStaticClass) == 0 || lstrcmpiW(className, kButtonClass) == 0;
 }
 
 // A window that is destroyed unless the build gets to the end: a panel
@@ -125,6 +132,8 @@ bool CreateChild(HWND window, const LayoutStep& step, std::vector<HWND>& childre
     LogLastErrorText(step.failureText);
     return false;
   }
+  if (TakesItsLookFromTheStep(step.className))
+    RememberControlLook(control, step.colour, step.buttonLook, step.buttonShape);
   if (HFONT font = OverlayFont(step.font)) SendMessageW(control, WM_SETFONT, reinterpret_cast<WPARAM>(font), FALSE);
   SetImage(window, control, step, driveBitmap);
   if (step.circleRegion && !ClipToCircle(control, step)) return false;

@@ -33,6 +33,18 @@ void ReadMetrics(HWND window) {
   metrics.lineHeight = LineHeight(text.tmHeight, text.tmExternalLeading);
 }
 
+// The text is drawn on the area's own colour, the solid brush its class
+// paints the background with (grey for the old name, light blue for the
+// new); a class without a solid brush leaves the device context's white.
+void UseClassBackground(HWND window, HDC dc) {
+  const auto background = reinterpret_cast<HBRUSH>(GetClassLongPtrW(window, GCLP_HBRBACKGROUND));
+  LOGBRUSH brush{};
+  if (background != nullptr && GetObjectW(background, sizeof brush, &brush) == sizeof brush &&
+      brush.lbStyle == BS_SOLID) {
+    SetBkColor(dc, brush.lbColor);
+  }
+}
+
 // The areas draw with their device context's own font, but keep the font
 // they are given so it can be asked for again.
 constexpr wchar_t kFontProperty[] = L"QelvoFilewellSync-ScrollFont";
@@ -108,9 +120,7 @@ LRESULT HorizontalMessage(HWND window, UINT message, WPARAM wParam, LPARAM lPara
     case WM_PAINT: {
       WriteLog(LogLevel::Debug, L"WM_PAINT");
       const PaintDc paint(window);
-      const int id = GetDlgCtrlID(window);
-      if (id == 5001) SetBkColor(paint.get(), RGB(230, 230, 230));
-      if (id == 5002) SetBkColor(paint.get(), RGB(211, 226, 240));
+      UseClassBackground(window, paint.get());
       SCROLLINFO info = ScrollInfo(SIF_POS);
       GetScrollInfo(window, SB_HORZ, &info);
       const int x = HorizontalTextX(info.nPos, metrics.charWidth);

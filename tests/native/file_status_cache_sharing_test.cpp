@@ -12,6 +12,7 @@
 
 #include "common/office_app.h"
 #include "synclink/answer_apply.h"
+#include "overlay/decision/overlay_kind.h"
 #include "synclink/file_status_cache.h"
 #include "tests/native/captured_log.h"
 #include "tests/native/counting_dispatch.h"
@@ -81,7 +82,7 @@ TEST_F(SharedCache, StoringUiChangesWritesOnlyTheFieldsTheCopyChanged) {
   const FileStatusRecord before = *cache.Find(kPath);
   FileStatusRecord after = before;
   after.subOverlayWindow = Window(0x5B);
-  after.overlayKind = 3;
+  after.overlayKind = static_cast<int>(OverlayKind::SafeToEdit);
   after.posX = 860;
   after.posY = 640;
   // Meanwhile a window procedure stored the badge and an answer arrived.
@@ -91,7 +92,7 @@ TEST_F(SharedCache, StoringUiChangesWritesOnlyTheFieldsTheCopyChanged) {
   ASSERT_TRUE(cache.StoreUiChanges(kPath, before, after));
   const FileStatusRecord stored = *cache.Find(kPath);
   EXPECT_EQ(stored.subOverlayWindow, Window(0x5B));
-  EXPECT_EQ(stored.overlayKind, 3);
+  EXPECT_EQ(static_cast<OverlayKind>(stored.overlayKind), OverlayKind::SafeToEdit);
   EXPECT_EQ(stored.posX, 860);
   EXPECT_EQ(stored.posY, 640);
   EXPECT_EQ(stored.badgeWindow, Window(0xB0));
@@ -115,11 +116,11 @@ TEST_F(SharedCache, StoringUiChangesClearsAFieldTheCopyCleared) {
 TEST_F(SharedCache, ADrawingOfAnOlderReportDoesNotMarkTheRecordUpToDate) {
   const FileStatusRecord before = *cache.Find(kPath);
   FileStatusRecord after = before;
-  after.overlayKind = 2;
+  after.overlayKind = static_cast<int>(OverlayKind::Loading);
   after.overlayUpToDate = 1;
   cache.UpdateFile(kPath, SyncedAnswer(kPath, L"k3"));  // arrives while the UI draws the loading badge
   ASSERT_TRUE(cache.StoreUiChanges(kPath, before, after));
-  EXPECT_EQ(cache.Find(kPath)->overlayKind, 2);
+  EXPECT_EQ(static_cast<OverlayKind>(cache.Find(kPath)->overlayKind), OverlayKind::Loading);
   EXPECT_EQ(cache.Find(kPath)->overlayUpToDate, 0u);
 }
 
@@ -147,7 +148,7 @@ TEST_F(SharedCache, ClosingARecordBuildsItsClosedRequestAndErasesItInOneStep) {
   const std::wstring other = L"C:\\Users\\ann\\Filewell\\budget.xlsx";
   cache.AddFile(other, nullptr, 1, &document);
   cache.Change(other, [](FileStatusRecord& r) {
-    r.overlayKind = 4;
+    r.overlayKind = static_cast<int>(OverlayKind::Editing);
     r.sync.file_combo_id = L"b1";
   });
   ClearCapturedLog();

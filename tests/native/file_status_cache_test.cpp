@@ -1,5 +1,6 @@
 #include <gtest/gtest.h>
 
+#include "overlay/decision/overlay_kind.h"
 #include "synclink/file_status_cache.h"
 #include "tests/native/captured_log.h"
 #include "tests/native/counting_dispatch.h"
@@ -24,7 +25,7 @@ TEST_F(Cache, StoresANewFileWithLoadingDefaultsAndLogsIt) {
   EXPECT_EQ(record.sync.is_loading_data_from_server, 1u);
   EXPECT_EQ(record.sync.downloadState, 2);
   EXPECT_EQ(record.isOpen, 1u);
-  EXPECT_EQ(record.overlayKind, 0);
+  EXPECT_EQ(static_cast<OverlayKind>(record.overlayKind), OverlayKind::None);
   EXPECT_EQ(record.overlayUpToDate, 0u);
   EXPECT_EQ(record.badgeWindow, nullptr);
   EXPECT_EQ(CapturedLog(), (std::vector<CapturedLine>{{LogLevel::Info, L"file info stored in cache - C:\\a.docx"}}));

@@ -211,7 +211,7 @@ TEST_F(CustomUiTick, TheSafeToEditNoticeIsHiddenOnTheNextTickAndStaysHiddenWhenT
   // Built once more, then both windows hidden for good.
   EXPECT_EQ(InfoMessages(), std::vector<std::string>{"safe to edit: " + Narrow(path)});
   const FileStatusRecord hidden = host_.Record(path);
-  EXPECT_EQ(hidden.overlayKind, 3);
+  EXPECT_EQ(KindOf(hidden), OverlayKind::SafeToEdit);
   EXPECT_EQ(hidden.overlayUpToDate, 1u);
   ASSERT_TRUE(IsWindow(hidden.badgeWindow));
   ASSERT_TRUE(IsWindow(hidden.subOverlayWindow));
@@ -252,7 +252,7 @@ TEST_F(CustomUiTick, TheConflictConfirmationIsNotTurnedBackIntoTheConflictPanel)
   const FileStatusRecord record = host_.Record(path);
   EXPECT_EQ(record.resolveConflictClicked, 1u);
   EXPECT_EQ(record.conflictAskShown, 0u);
-  EXPECT_EQ(record.overlayKind, 6);
+  EXPECT_EQ(KindOf(record), OverlayKind::Conflict);
   EXPECT_TRUE(InfoMessages().empty());
 }
 
@@ -280,7 +280,7 @@ TEST_F(CustomUiTick, TheConflictConfirmationAsksToSaveOnceTheDocumentHoldsChange
   EXPECT_TRUE(HasChildText(PanelOf(path), kConflictContinue));
   EXPECT_TRUE(IsWindowVisible(PanelOf(path)));
   EXPECT_EQ(host_.Record(path).conflictAskShown, 0u);
-  EXPECT_EQ(host_.Record(path).overlayKind, 6);
+  EXPECT_EQ(KindOf(host_.Record(path)), OverlayKind::Conflict);
 }
 
 TEST_F(CustomUiTick, AConfirmationTheUserClosedIsReformedButStaysClosed) {
@@ -316,7 +316,7 @@ TEST_F(CustomUiTick, DownloadRequestedOnADownloadedFileShowsTheReloadConfirmatio
   EXPECT_TRUE(HasChildText(PanelOf(path), L"Reload"));
   EXPECT_TRUE(IsWindowVisible(PanelOf(path)));
   const FileStatusRecord record = host_.Record(path);
-  EXPECT_EQ(record.overlayKind, 7);
+  EXPECT_EQ(KindOf(record), OverlayKind::Download);
   EXPECT_EQ(record.downloadRequested, 1u);
   EXPECT_EQ(record.reloadPromptPlain, 1u);
   EXPECT_EQ(record.reloadPromptAskSave, 0u);
@@ -384,7 +384,7 @@ TEST_F(CustomUiTick, TheTickAfterAnErrorPanelOfADownloadLeavesThePanelAndOnlyCle
   EXPECT_EQ(record.skipNextUpdate, 0u);
   EXPECT_EQ(record.downloadRequested, 1u);
   EXPECT_EQ(record.reloadPromptPlain, 0u);
-  EXPECT_EQ(record.overlayKind, 7);
+  EXPECT_EQ(KindOf(record), OverlayKind::Download);
   EXPECT_TRUE(InfoMessages().empty());
 }
 
@@ -408,7 +408,7 @@ TEST_F(CustomUiTick, TheTickAfterAnErrorPanelOfARenameLeavesThePanelAndOnlyClear
   const FileStatusRecord record = host_.Record(path);
   EXPECT_EQ(record.skipNextUpdate, 0u);
   EXPECT_EQ(record.renameMoveClicked, 1u);
-  EXPECT_EQ(record.overlayKind, 5);
+  EXPECT_EQ(KindOf(record), OverlayKind::DeletedOrMoved);
   EXPECT_TRUE(InfoMessages().empty());
 }
 
@@ -434,7 +434,7 @@ TEST_F(CustomUiTick, TheRenameConfirmationAsksToSaveOnceTheDocumentHoldsChangesA
   EXPECT_TRUE(IsWindowVisible(PanelOf(path)));
   EXPECT_EQ(host_.Record(path).renameMoveAskShown, 0u);
   EXPECT_EQ(host_.Record(path).renameMoveClicked, 1u);
-  EXPECT_EQ(host_.Record(path).overlayKind, 5);
+  EXPECT_EQ(KindOf(host_.Record(path)), OverlayKind::DeletedOrMoved);
 }
 
 // ---------------------------------------------------------------------------
@@ -460,7 +460,7 @@ TEST_F(CustomUiTick, AChangeOfTheUnsavedStateAloneDoesNotRebuildThePanel) {
   EXPECT_EQ(after.badgeWindow, before.badgeWindow);
   EXPECT_EQ(after.subOverlayWindow, before.subOverlayWindow);
   EXPECT_TRUE(IsWindowVisible(after.subOverlayWindow));
-  EXPECT_EQ(after.overlayKind, 8);
+  EXPECT_EQ(KindOf(after), OverlayKind::ViewingOnly);
   EXPECT_TRUE(InfoMessages().empty());
 }
 
@@ -474,7 +474,7 @@ TEST_F(CustomUiTick, AFileThatIsNotTheActiveOneKeepsItsWindowsHidden) {
   EXPECT_EQ(hidden.subOverlayWindow, shown.subOverlayWindow);
   EXPECT_FALSE(IsWindowVisible(hidden.badgeWindow));
   EXPECT_FALSE(IsWindowVisible(hidden.subOverlayWindow));
-  EXPECT_EQ(hidden.overlayKind, 8);
+  EXPECT_EQ(KindOf(hidden), OverlayKind::ViewingOnly);
 }
 
 TEST_F(CustomUiTick, AFileActiveAgainShowsItsBadgeButLeavesItsPanelClosed) {
@@ -603,7 +603,7 @@ TEST_F(CustomUiTick, ADownloadedFileWithUnsavedChangesOffersToKeepThemAsASeparat
   answer.is_download_present = L"Downloaded";
   Answer(document->fullName(), answer);
   Tick();
-  const HWND box = ChildWithId(PanelOf(document->fullName()), 4001);
+  const HWND box = ChildWithId(PanelOf(document->fullName()), ControlId::SaveSeparateCopy);
   ASSERT_NE(box, nullptr);
   EXPECT_TRUE(HasChildText(PanelOf(document->fullName()), L"Save my changes as a separate copy"));
   EXPECT_EQ(SendMessageW(box, BM_GETCHECK, 0, 0), BST_UNCHECKED);

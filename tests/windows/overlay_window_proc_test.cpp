@@ -255,9 +255,10 @@ class HideOption : public OverlayWindowProc {
   void TearDown() override { syncSim_.Stop(); }
 
   void PressHide() {
-    const HWND button = ChildWithId(panel_, 3014);
+    const HWND button = ChildWithId(panel_, ControlId::Hide);
     ASSERT_NE(button, nullptr);
-    SendMessageW(panel_, WM_COMMAND, MAKEWPARAM(3014, BN_CLICKED), reinterpret_cast<LPARAM>(button));
+    SendMessageW(panel_, WM_COMMAND, MAKEWPARAM(static_cast<int>(ControlId::Hide), BN_CLICKED),
+                 reinterpret_cast<LPARAM>(button));
   }
 
   SyncSimProcess syncSim_;
@@ -271,7 +272,7 @@ TEST_F(HideOption, TakesBothWindowsAwayAtOnceAndMarksTheRecord) {
   EXPECT_FALSE(IsWindow(panel_));
   const FileStatusRecord record = host_.Record(path_);
   EXPECT_EQ(record.uiHide, 1u);
-  EXPECT_EQ(record.overlayKind, 0);
+  EXPECT_EQ(KindOf(record), OverlayKind::None);
   EXPECT_EQ(record.badgeWindow, nullptr);
   EXPECT_EQ(record.subOverlayWindow, nullptr);
   EXPECT_EQ(record.retryDelete, 0u);
@@ -279,7 +280,7 @@ TEST_F(HideOption, TakesBothWindowsAwayAtOnceAndMarksTheRecord) {
 }
 
 TEST_F(HideOption, AClickOnTheHideButtonItselfTakesBothWindowsAway) {
-  const HWND button = ChildWithId(panel_, 3014);
+  const HWND button = ChildWithId(panel_, ControlId::Hide);
   ASSERT_NE(button, nullptr);
   // The button tells its panel from inside its own click handling, and the
   // panel (with the button) is gone before that handling returns.

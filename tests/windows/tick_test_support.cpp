@@ -100,9 +100,9 @@ bool HasChildText(HWND window, const std::wstring& text) {
   return std::find(texts.begin(), texts.end(), text) != texts.end();
 }
 
-HWND ChildWithId(HWND window, int id) {
+HWND ChildWithId(HWND window, ControlId id) {
   for (HWND child : Descendants(window)) {
-    if (GetDlgCtrlID(child) == id) return child;
+    if (GetDlgCtrlID(child) == static_cast<int>(id)) return child;
   }
   return nullptr;
 }
@@ -189,7 +189,7 @@ void ExpectNothingShown(const std::wstring& path, Caller caller) {
   TRACE_CALLER(caller);
   const std::optional<FileStatusRecord> record = TheFileStatusCache().Find(path);
   ASSERT_TRUE(record.has_value()) << Narrow(path);
-  EXPECT_EQ(record->overlayKind, 0);
+  EXPECT_EQ(KindOf(*record), OverlayKind::None);
   EXPECT_EQ(record->badgeWindow, nullptr);
   EXPECT_EQ(record->subOverlayWindow, nullptr);
 }

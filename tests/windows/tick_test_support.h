@@ -10,6 +10,8 @@
 #include <string>
 #include <vector>
 
+#include "overlay/decision/overlay_kind.h"
+#include "overlay/layouts/control_id.h"
 #include "synclink/file_status_record.h"
 #include "tests/caller.h"
 #include "tests/windows/in_process_host.h"
@@ -55,8 +57,11 @@ HWND OwnerOf(HWND window);
 // The texts of all the window's descendants, depth first.
 std::vector<std::wstring> ChildTexts(HWND window);
 bool HasChildText(HWND window, const std::wstring& text);
+// What the record's badge shows, by name.
+inline OverlayKind KindOf(const FileStatusRecord& record) { return static_cast<OverlayKind>(record.overlayKind); }
+
 // The first descendant with this control id, or null.
-HWND ChildWithId(HWND window, int id);
+HWND ChildWithId(HWND window, ControlId id);
 
 // The messages of the log's Info lines, in order.
 std::vector<std::string> InfoMessages();
