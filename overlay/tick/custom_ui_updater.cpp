@@ -144,27 +144,29 @@ void UpdateRecord(const std::wstring& path, const std::wstring& stamp, const std
   // The add-in is closing it for a sync action, and reports that close
   // itself once the host is done.
   if (working.closingForSyncAction) return;
-  try {
-    WriteLog(LogLevel::Debug, L"checking: " + path);
-    if (working.seenStamp != stamp) {
-      ForgetClosedDocument(path, working, closedRequests);
-      return;
-    }
-    const bool editing = HasUnsavedChanges(working.document);
-    WriteLog(LogLevel::Debug, L"checked: " + path);
-    const bool editingChanged = editing != (working.isEditing != 0);
-    working.isEditing = editing ? 1 : 0;
-    RecordPass pass{path, activeFile, cache.syncAppHasData.load(), editingChanged};
-    UpdateRecordOverlays(pass, working);
-    cache.StoreUiChanges(path, *before, working);
-  } catch (const std::exception& e) {
-    WriteLog(LogLevel::Error, L"std exception occurred while checking unsaved changes exists or not - " + path +
-                                  L", error=" + Widen(e.what()));
-    DropRecord(path, working);
-  } catch (...) {
-    WriteLog(LogLevel::Error, L"unknown exception occurred while checking unsaved changes exists or not: " + path);
-    DropRecord(path, working);
-  }
+  // A record whose check fails is dropped, with its windows.
+  const bool checked = GuardedWithTexts(
+      false,
+      [&] {
+        WriteLog(LogLevel::Debug, L"checking: " + path);
+        if (working.seenStamp != stamp) {
+          ForgetClosedDocument(path, working, closedRequests);
+          return true;
+        }
+        const bool editing = HasUnsavedChanges(working.document);
+        WriteLog(LogLevel::Debug, L"checked: " + path);
+        const bool editingChanged = editing != (working.isEditing != 0);
+        working.isEditing = editing ? 1 : 0;
+        RecordPass pass{path, activeFile, cache.syncAppHasData.load(), editingChanged};
+        UpdateRecordOverlays(pass, working);
+        cache.StoreUiChanges(path, *before, working);
+        return true;
+      },
+      [&](const std::wstring& what) {
+        return L"std exception occurred while checking unsaved changes exists or not - " + path + L", error=" + what;
+      },
+      [&] { return L"unknown exception occurred while checking unsaved changes exists or not: " + path; });
+  if (!checked) DropRecord(path, working);
 }
 
 void Tick(DocumentRecorder recordDocument, std::vector<std::wstring>& closedRequests) {

@@ -335,7 +335,7 @@ void Hide(const Pressed& pressed) {
   HWND panel = pressed.record.subOverlayWindow;
   HWND badge = pressed.record.badgeWindow;
   DestroyOverlayWindows(panel, badge);
-  TheSyncAppPipe().Exchange(Cache().BuildRequest(pressed.path, 1));
+  TheSyncAppPipe().Exchange(Cache().BuildRequest(pressed.path, true));
 }
 
 struct Command {

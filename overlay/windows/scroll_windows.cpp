@@ -2,9 +2,11 @@
 
 #include <exception>
 #include <string>
+#include <utility>
 
 #include "common/gdi_guards.h"
 #include "common/text.h"
+#include "log/exception_barrier.h"
 #include "log/write_log.h"
 #include "overlay/windows/control_colours.h"
 #include "overlay/layouts/scroll_metrics.h"
@@ -174,19 +176,15 @@ LRESULT VerticalMessage(HWND window, UINT message, WPARAM wParam, LPARAM lParam)
   }
 }
 
-// The scroll procedures' own exception barrier: their texts say "in",
-// not "while".
+// The scroll procedures word their failures "in", not "while".
 template <class Body>
 LRESULT Barrier(const wchar_t* procedure, Body&& body) {
-  try {
-    return body();
-  } catch (const std::exception& e) {
-    WriteLog(LogLevel::Error,
-             std::wstring(L"std exception occurred in ") + procedure + L" scroll window procedure - " + Widen(e.what()));
-  } catch (...) {
-    WriteLog(LogLevel::Error, std::wstring(L"unknown exception occurred in ") + procedure + L" scroll window procedure");
-  }
-  return 0;
+  return GuardedWithTexts(
+      LRESULT{0}, std::forward<Body>(body),
+      [&](const std::wstring& what) {
+        return std::wstring(L"std exception occurred in ") + procedure + L" scroll window procedure - " + what;
+      },
+      [&] { return std::wstring(L"unknown exception occurred in ") + procedure + L" scroll window procedure"; });
 }
 }  // namespace
 

@@ -73,7 +73,7 @@ TEST_F(Cache, KeepsTheReferenceBalancedAcrossUpdatesAndRequests) {
   answer.file_path = L"C:\\a.xlsx";
   answer.is_sync_file = 1;
   cache.UpdateFile(L"C:\\a.xlsx", answer);
-  cache.BuildRequest(L"", 0);
+  cache.BuildRequest(L"", false);
   EXPECT_EQ(workbook.references, 2);
   cache.RemoveFile(L"C:\\a.xlsx");
   EXPECT_EQ(workbook.references, 1);

@@ -567,10 +567,11 @@ TEST_F(CustomUiTick, TheUnsavedStateTheTickReadsGoesIntoTheNextRequest) {
   const std::wstring path = ShowAfterOneTick(L"edited", QuietAnswer());
   Document(path)->MarkEdited();
   Tick();
-  EXPECT_EQ(TheFileStatusCache().BuildRequest(L"", 0),
-            L"{\"files\":[{\"filepath\":\"" + path +
-                L"\",\"isOpen\":true,\"isEditing\":true,\"resolveConflict\":false,\"retryModify\":false,"
-                L"\"retryRenameOrMove\":false,\"retryDelete\":false,\"file_combo_id\":\"f-1001\",\"officeApp\":\"1\"}]}");
+  EXPECT_EQ(
+      TheFileStatusCache().BuildRequest(L"", false),
+      L"{\"files\":[{\"filepath\":\"" + path +
+          L"\",\"isOpen\":true,\"isEditing\":true,\"resolveConflict\":false,\"retryModify\":false,"
+          L"\"retryRenameOrMove\":false,\"retryDelete\":false,\"file_combo_id\":\"f-1001\",\"officeApp\":\"1\"}]}");
 }
 
 TEST_F(CustomUiTick, ADocumentThatCannotSayWhetherItHoldsChangesIsDroppedWithItsWindows) {
@@ -1029,7 +1030,7 @@ TEST_P(TickInEveryHost, AModifiedDocumentClosedWithoutSavingIsDroppedByTheNextTi
   EXPECT_FALSE(IsWindow(shown.subOverlayWindow));
   // Reported as closed; no sync app runs here to hear it.
   EXPECT_EQ(ErrorMessages(), std::vector<std::string>{PipeError()});
-  EXPECT_EQ(TheFileStatusCache().BuildRequest(L"", 0), RequestFor(kept->fullName()));
+  EXPECT_EQ(TheFileStatusCache().BuildRequest(L"", false), RequestFor(kept->fullName()));
 }
 
 TEST_P(TickInEveryHost, WithNoDocumentLeftTheTickStillDropsEveryClosedDocument) {
@@ -1049,7 +1050,7 @@ TEST_P(TickInEveryHost, WithNoDocumentLeftTheTickStillDropsEveryClosedDocument) 
   EXPECT_EQ(ErrorMessages(), (std::vector<std::string>{PipeError(), PipeError()}));
   (void)firstPath;
   (void)secondPath;
-  EXPECT_EQ(TheFileStatusCache().BuildRequest(L"", 0), L"{\"files\":[]}");
+  EXPECT_EQ(TheFileStatusCache().BuildRequest(L"", false), L"{\"files\":[]}");
 }
 
 TEST_P(TickInEveryHost, WithNoDocumentOpenTheTickEndsNormally) {
