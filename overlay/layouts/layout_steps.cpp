@@ -35,6 +35,21 @@ LayoutStep Button(std::uint32_t style, std::wstring text, Box box, ControlId id,
   step.buttonShape = shape;
   return step;
 }
+// A layout's window, created at its final size, before its steps.
+PanelLayout Window(PanelPlacement placement, const wchar_t* className, std::uint32_t style, std::uint32_t exStyle,
+                   int width, int height, const wchar_t* windowFailureText, const wchar_t* exceptionActivity) {
+  PanelLayout layout;
+  layout.placement = placement;
+  layout.width = width;
+  layout.height = height;
+  layout.createHeight = height;
+  layout.className = className;
+  layout.style = style;
+  layout.exStyle = exStyle;
+  layout.windowFailureText = windowFailureText;
+  layout.exceptionActivity = exceptionActivity;
+  return layout;
+}
 }  // namespace
 
 LayoutStep TextStep(std::wstring text, Box box, ControlId id, ColourRole colour, FontRole font,
@@ -133,32 +148,15 @@ LayoutStep InsideOf(int parent, LayoutStep step) {
 PanelLayout AgainstBadgePanel(int width, int height, const wchar_t* officeRectFailureText,
                               const wchar_t* badgeRectFailureText, const wchar_t* windowFailureText,
                               const wchar_t* exceptionActivity) {
-  PanelLayout layout;
-  layout.placement = PanelPlacement::AgainstBadge;
-  layout.width = width;
-  layout.height = height;
-  layout.createHeight = height;
-  layout.className = kMainUiClass;
-  layout.style = kStylePopupBorder;
-  layout.exStyle = 0;
+  PanelLayout layout = Window(PanelPlacement::AgainstBadge, kMainUiClass, kStylePopupBorder, 0, width, height,
+                              windowFailureText, exceptionActivity);
   layout.officeRectFailureText = officeRectFailureText;
   layout.badgeRectFailureText = badgeRectFailureText;
-  layout.windowFailureText = windowFailureText;
-  layout.exceptionActivity = exceptionActivity;
   return layout;
 }
 
 PanelLayout AtCallerPointOverlay(const wchar_t* className, std::uint32_t style, std::uint32_t exStyle, int width,
                                  int height, const wchar_t* windowFailureText, const wchar_t* exceptionActivity) {
-  PanelLayout layout;
-  layout.placement = PanelPlacement::AtCallerPoint;
-  layout.width = width;
-  layout.height = height;
-  layout.createHeight = height;
-  layout.className = className;
-  layout.style = style;
-  layout.exStyle = exStyle;
-  layout.windowFailureText = windowFailureText;
-  layout.exceptionActivity = exceptionActivity;
-  return layout;
+  return Window(PanelPlacement::AtCallerPoint, className, style, exStyle, width, height, windowFailureText,
+                exceptionActivity);
 }
