@@ -95,7 +95,7 @@ void BM_Baseline_BuildRequest(benchmark::State& state) {
   OfficeApp = OfficeHost::Word;
   FileStatusCache& cache = CacheOfThousandFiles();
   for (auto _ : state) {
-    const std::wstring request = cache.BuildRequest(L"", 0);
+    const std::wstring request = cache.BuildRequest(L"", false);
     benchmark::DoNotOptimize(request.data());
   }
 }
@@ -103,7 +103,7 @@ BENCHMARK(BM_Baseline_BuildRequest)->Unit(benchmark::kMicrosecond);
 
 void BM_Baseline_AppendRequestBytes(benchmark::State& state) {
   OfficeApp = OfficeHost::Word;
-  const std::string bytes((CacheOfThousandFiles().BuildRequest(L"", 0).size() + 1) * 2, 'r');
+  const std::string bytes((CacheOfThousandFiles().BuildRequest(L"", false).size() + 1) * 2, 'r');
   ScratchAppendFile file;
   for (auto _ : state) file.Append(bytes.data(), bytes.size());
 }

@@ -24,7 +24,7 @@ void BM_BuildRequest(benchmark::State& state) {
   FillCache(cache, static_cast<size_t>(state.range(0)));
   size_t length = 0;
   for (auto _ : state) {
-    const std::wstring request = cache.BuildRequest(L"", 0);
+    const std::wstring request = cache.BuildRequest(L"", false);
     length = request.size();
     benchmark::DoNotOptimize(request.data());
   }

@@ -101,7 +101,7 @@ int wmain(int argc, wchar_t** argv) {
   OfficeApp = OfficeHost::Word;
   FileStatusCache cache;
   for (int i = 0; i < kFiles; ++i) cache.AddFile(DocumentPath(static_cast<size_t>(i)), nullptr, 0, nullptr);
-  const std::wstring request = cache.BuildRequest(L"", 0);
+  const std::wstring request = cache.BuildRequest(L"", false);
   const std::wstring answer = AnswerText(kFiles);
   std::thread(ServeBare, name, answer).detach();
   while (!WaitNamedPipeW(name.c_str(), 1)) Sleep(1);

@@ -3,10 +3,10 @@
 #include "common/dispatch.h"
 #include "common/host_application.h"
 #include "common/host_profile.h"
+#include "common/windows_user_name.h"
 #include "docactions/copy_name.h"
 #include "log/exception_barrier.h"
 #include "log/write_log.h"
-#include "synclink/sync_app_pipe.h"
 
 namespace {
 struct DocumentPlace {

@@ -124,7 +124,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
 
   // Whatever the answer said, the next request lists both files with the
   // identifiers the answer gave them.
-  const std::wstring request = cache.BuildRequest(L"", 0);
+  const std::wstring request = cache.BuildRequest(L"", false);
   FUZZ_CHECK(request.compare(0, 10, L"{\"files\":[") == 0);
   FUZZ_CHECK(request.size() >= 2 && request.compare(request.size() - 2, 2, L"]}") == 0);
   for (const std::wstring& path : kPaths) {

@@ -70,24 +70,24 @@ std::wstring EscapeLogMessage(std::wstring_view message) {
   return out;
 }
 
-std::wstring FormatLogTimestamp(const LocalTimeParts& t) {
-  std::wstring out = L"[";
-  out += std::to_wstring(t.year);
+std::wstring FormatLocalTime(const LocalTimeParts& t, wchar_t timeSeparator) {
+  std::wstring out = std::to_wstring(t.year);
   out += L'-';
   AppendPadded(out, t.month, 2);
   out += L'-';
   AppendPadded(out, t.day, 2);
   out += L' ';
   AppendPadded(out, t.hour, 2);
-  out += L':';
+  out += timeSeparator;
   AppendPadded(out, t.minute, 2);
-  out += L':';
+  out += timeSeparator;
   AppendPadded(out, t.second, 2);
   out += L'.';
   AppendPadded(out, t.milliseconds, 3);
-  out += L']';
   return out;
 }
+
+std::wstring FormatLogTimestamp(const LocalTimeParts& t) { return L"[" + FormatLocalTime(t, L':') + L"]"; }
 
 const wchar_t* LevelLetter(LogLevel level) {
   static const wchar_t* const letters[] = {L"F", L"E", L"W", L"I", L"D"};

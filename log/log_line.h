@@ -17,8 +17,13 @@ struct LocalTimeParts {
   int milliseconds = 0;
 };
 
-// "[2025-03-07 09:04:05.007]": the year unpadded, the other fields padded
-// with zeros to two digits, milliseconds to three.
+// "2025-03-07 09:04:05.007" with ':' between hour, minute and second, or
+// "2025-03-07 09.04.05.007" with '.': the year unpadded, the other fields
+// padded with zeros to two digits, milliseconds to three. The log lines
+// and the separate copies' names share it.
+std::wstring FormatLocalTime(const LocalTimeParts& time, wchar_t timeSeparator);
+
+// "[2025-03-07 09:04:05.007]".
 std::wstring FormatLogTimestamp(const LocalTimeParts& time);
 
 // "F", "E", "W", "I", "D".

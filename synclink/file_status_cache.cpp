@@ -215,10 +215,10 @@ size_t FileStatusCache::UndeliveredCloseCount() const {
   return undeliveredCloses_.size();
 }
 
-std::wstring FileStatusCache::BuildRequest(const std::wstring& onlyPath, std::uint32_t includeUiHide) const {
+std::wstring FileStatusCache::BuildRequest(const std::wstring& onlyPath, bool includeUiHide) const {
   return Guarded(L"getting all cache data", std::wstring(L"ERROR"), [&] {
     Lock lock(lock_);
-    return BuildRequestLocked(onlyPath, includeUiHide != 0);
+    return BuildRequestLocked(onlyPath, includeUiHide);
   });
 }
 

@@ -93,8 +93,9 @@ class FileStatusCache {
   int RemoveAll();
 
   // The request text for all records (empty onlyPath) or for one; "ERROR"
-  // when it could not be built.
-  std::wstring BuildRequest(const std::wstring& onlyPath, std::uint32_t includeUiHide) const;
+  // when it could not be built. includeUiHide adds each record's "uiHide"
+  // (the hide option's own request).
+  std::wstring BuildRequest(const std::wstring& onlyPath, bool includeUiHide) const;
 
   // Writes one answer object into the report of the record under `path`,
   // clearing overlayUpToDate when anything changed. The update thread's.

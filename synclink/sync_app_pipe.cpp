@@ -9,8 +9,6 @@
 #include "log/write_log.h"
 
 namespace {
-std::atomic<int> g_userNameQueries{0};
-
 std::wstring ErrorText(const wchar_t* what, DWORD error) { return what + std::to_wstring(error); }
 
 // ReadAnswer's result for an answer past the size cap (already logged).
@@ -19,17 +17,7 @@ constexpr DWORD kAnswerAbandoned = ERROR_BUFFER_OVERFLOW;
 bool IsSignalled(HANDLE event) { return event != nullptr && WaitForSingleObject(event, 0) == WAIT_OBJECT_0; }
 }  // namespace
 
-const std::wstring& WindowsUserName() {
-  static const std::wstring name = [] {
-    ++g_userNameQueries;
-    wchar_t buffer[257];
-    DWORD size = 257;
-    return GetUserNameW(buffer, &size) ? std::wstring(buffer) : std::wstring();
-  }();
-  return name;
-}
-
-int SyncAppPipe::UserNameQueries() { return g_userNameQueries.load(); }
+SyncAppPipe::~SyncAppPipe() { TakeOverAbandonedExchange(); }
 
 SyncAppPipe& TheSyncAppPipe() {
   static auto* pipe = new SyncAppPipe();  // outlives the update thread
@@ -174,8 +162,8 @@ ExchangeEnd SyncAppPipe::EndOf(const std::wstring& answer, HANDLE stopEvent) con
 // to land before the buffers are used again, and closing the connection
 // frees the sync app's instance.
 void SyncAppPipe::TakeOverAbandonedExchange() {
-  if (pipeHandle_ == nullptr) return;
-  CancelIoEx(pipeHandle_, nullptr);
+  if (!pipeHandle_) return;
+  CancelIoEx(pipeHandle_.get(), nullptr);
   // Bounded: a thread ended between starting a call and its return may
   // have left the operation marked pending with nothing left to finish it.
   if (!HasOverlappedIoCompleted(&overlapped_)) WaitForSingleObject(ioEvent_.get(), 100);
@@ -206,9 +194,9 @@ std::wstring SyncAppPipe::ExchangeInTurn(const std::wstring& request, HANDLE sto
   if (!Open(stopEvent, deadline)) return L"ERROR";
   WriteLog(LogLevel::Debug, L"pipe connected");
   // Not a byte goes to a server that is not the user's own sync app.
-  if (!PipeServerIsTrusted(pipeHandle_)) return L"ERROR";
+  if (!PipeServerIsTrusted(pipeHandle_.get())) return L"ERROR";
 
-  lastResult_ = SetNamedPipeHandleState(pipeHandle_, &readMode_, nullptr, nullptr);
+  lastResult_ = SetNamedPipeHandleState(pipeHandle_.get(), &readMode_, nullptr, nullptr);
   if (!lastResult_) {
     WriteLog(LogLevel::Error, ErrorText(L"setting msg-read mode failed. errcode=", GetLastError()));
     return L"ERROR";
@@ -220,7 +208,7 @@ std::wstring SyncAppPipe::ExchangeInTurn(const std::wstring& request, HANDLE sto
   WriteLog(LogLevel::Debug, L"sending msg" + std::to_wstring(bytesToWrite_));
   overlapped_ = OVERLAPPED{};
   overlapped_.hEvent = ioEvent_.get();
-  const BOOL started = WriteFile(pipeHandle_, requestText_.c_str(), bytesToWrite_, nullptr, &overlapped_);
+  const BOOL started = WriteFile(pipeHandle_.get(), requestText_.c_str(), bytesToWrite_, nullptr, &overlapped_);
   const DWORD writeError = Finish(started, bytesWritten_, stopEvent, deadline);
   lastResult_ = writeError == ERROR_SUCCESS;
   if (!lastResult_) {
@@ -243,10 +231,12 @@ std::wstring SyncAppPipe::ExchangeInTurn(const std::wstring& request, HANDLE sto
 bool SyncAppPipe::Open(HANDLE stopEvent, const Deadline& deadline) {
   for (;;) {
     WriteLog(LogLevel::Debug, L"Tring to open pipe: " + pipeName_);
-    pipeHandle_ = CreateFileW(pipeName_.c_str(), GENERIC_READ | GENERIC_WRITE, 0, nullptr, OPEN_EXISTING,
-                              kPipeOpenFlags, nullptr);
-    if (pipeHandle_ != INVALID_HANDLE_VALUE) return true;
-    pipeHandle_ = nullptr;
+    const HANDLE opened = CreateFileW(pipeName_.c_str(), GENERIC_READ | GENERIC_WRITE, 0, nullptr, OPEN_EXISTING,
+                                      kPipeOpenFlags, nullptr);
+    if (opened != INVALID_HANDLE_VALUE) {
+      pipeHandle_.reset(opened);
+      return true;
+    }
     if (GetLastError() != ERROR_PIPE_BUSY) {
       WriteLog(LogLevel::Error, ErrorText(L"Could not open pipe. errcode=", GetLastError()));
       return false;
@@ -310,11 +300,11 @@ DWORD SyncAppPipe::Finish(BOOL started, DWORD& bytes, HANDLE stopEvent, const De
       if (giveWayWatch_ != nullptr) waits[count++] = giveWayWatch_;
       const DWORD woken = WaitForMultipleObjects(count, waits, FALSE, deadline.Left());
       if (woken == WAIT_OBJECT_0) {
-        return GetOverlappedResult(pipeHandle_, &overlapped_, &bytes, TRUE) ? ERROR_SUCCESS : GetLastError();
+        return GetOverlappedResult(pipeHandle_.get(), &overlapped_, &bytes, TRUE) ? ERROR_SUCCESS : GetLastError();
       }
-      CancelIoEx(pipeHandle_, &overlapped_);
+      CancelIoEx(pipeHandle_.get(), &overlapped_);
       // Waits for the cancellation to land, or takes what came just before it.
-      if (GetOverlappedResult(pipeHandle_, &overlapped_, &bytes, TRUE)) return ERROR_SUCCESS;
+      if (GetOverlappedResult(pipeHandle_.get(), &overlapped_, &bytes, TRUE)) return ERROR_SUCCESS;
       const DWORD cancelled = GetLastError();
       if (woken == WAIT_TIMEOUT) {
         cutShort_ = ExchangeEnd::TimedOut;
@@ -328,7 +318,7 @@ DWORD SyncAppPipe::Finish(BOOL started, DWORD& bytes, HANDLE stopEvent, const De
     // Done at once with part of a message: the bytes are in the buffer.
     if (error != ERROR_MORE_DATA) return error;
   }
-  return GetOverlappedResult(pipeHandle_, &overlapped_, &bytes, FALSE) ? ERROR_SUCCESS : GetLastError();
+  return GetOverlappedResult(pipeHandle_.get(), &overlapped_, &bytes, FALSE) ? ERROR_SUCCESS : GetLastError();
 }
 
 DWORD SyncAppPipe::ReadAnswer(std::wstring& answer, HANDLE stopEvent, const Deadline& deadline) {
@@ -337,7 +327,7 @@ DWORD SyncAppPipe::ReadAnswer(std::wstring& answer, HANDLE stopEvent, const Dead
   for (;;) {
     overlapped_ = OVERLAPPED{};
     overlapped_.hEvent = ioEvent_.get();
-    const BOOL started = ReadFile(pipeHandle_, readBuffer_, kChunkBytes, nullptr, &overlapped_);
+    const BOOL started = ReadFile(pipeHandle_.get(), readBuffer_, kChunkBytes, nullptr, &overlapped_);
     const DWORD error = Finish(started, bytesRead_, stopEvent, deadline);
     lastResult_ = error == ERROR_SUCCESS;
     if (!lastResult_ && error != ERROR_MORE_DATA) return error;
@@ -361,11 +351,12 @@ DWORD SyncAppPipe::ReadAnswer(std::wstring& answer, HANDLE stopEvent, const Dead
 }
 
 void SyncAppPipe::Close() {
-  if (pipeHandle_ == nullptr) return;
-  if (CloseHandle(pipeHandle_)) {
+  // Closed here rather than by the wrapper so that a failure is logged.
+  const HANDLE connection = pipeHandle_.release();
+  if (connection == nullptr) return;
+  if (CloseHandle(connection)) {
     WriteLog(LogLevel::Debug, L"closed pipe");
   } else {
     WriteLog(LogLevel::Error, ErrorText(L"close pipe failed. errcode=", GetLastError()));
   }
-  pipeHandle_ = nullptr;
 }

@@ -7,10 +7,7 @@
 #include <string>
 
 #include "common/unique_resource.h"
-
-// The logon name of the user running the host, asked once per process
-// (empty when Windows would not say). Also names the separate copies.
-const std::wstring& WindowsUserName();
+#include "common/windows_user_name.h"
 
 // How long one exchange may keep its caller, and what ends it early. The
 // sync app may accept a connection and never answer; without a bound the
@@ -69,6 +66,13 @@ class SyncAppPipe {
   // The whole answer, or "ERROR" when anything failed (logged), within the
   // UI's bound.
   std::wstring Exchange(const std::wstring& request);
+
+  SyncAppPipe() = default;
+  SyncAppPipe(const SyncAppPipe&) = delete;
+  SyncAppPipe& operator=(const SyncAppPipe&) = delete;
+  // Ends a connection an ended exchange left open: its pending I/O is
+  // cancelled before the buffers it reads into go with the object.
+  ~SyncAppPipe();
   // Takes the exchange's turn, only then builds the request, exchanges it
   // and lets the turn go: requests reach the sync app in the order they
   // were built, so a stale state never arrives after a newer one. "ERROR"
@@ -84,8 +88,6 @@ class SyncAppPipe {
   void Close();
 
   const std::wstring& pipeName() const { return pipeName_; }
-  // How many times the user name was asked of Windows (tests).
-  static int UserNameQueries();
 
  private:
   class Deadline;
@@ -117,7 +119,10 @@ class SyncAppPipe {
   // or GaveWay; Failed while nothing cut it.
   ExchangeEnd cutShort_ = ExchangeEnd::Failed;
   OVERLAPPED overlapped_ = {};
-  HANDLE pipeHandle_ = nullptr;
+  // The connection of the exchange in turn; none between exchanges. An
+  // exchange whose thread was ended leaves it open until the next takes
+  // over, or until the pipe goes.
+  UniqueHandle pipeHandle_;
   std::wstring pipeName_;
   std::wstring requestText_;
   // One spare unit beyond the chunk: a full chunk still ends in a NUL.

@@ -6,7 +6,9 @@ namespace {
 struct Choice {
   const wchar_t* caption;
   int width;
-  int id;
+  ControlId id;
+  // "Reload" alone keeps the square corners it has always had.
+  ButtonShape shape = ButtonShape::Rounded;
 };
 
 struct Situation {
@@ -28,9 +30,9 @@ constexpr Situation kConflict{
     L"Filewell Sync will close this file and open the Resolve Conflict window.",
     L"Filewell Sync will close this file and open the Resolve Conflict window. Do you want to save your changes before "
     L"closing this file?",
-    {L"Continue", 130, 3007},
-    {L"Save & Continue", 170, 3008},
-    {L"Discard & Continue", 170, 3009},
+    {L"Continue", 130, ControlId::ContinueToResolve},
+    {L"Save & Continue", 170, ControlId::SaveAndResolve},
+    {L"Discard & Continue", 170, ControlId::DiscardAndResolve},
     0};
 
 constexpr Situation kDownload{
@@ -38,9 +40,9 @@ constexpr Situation kDownload{
     175,
     L"To load the latest version of this file, click \"Reload\".",
     L"This file has unsaved changes. Do you want to save your changes as a separate copy before reloading this file?",
-    {L"Reload", 120, 3003},
-    {L"Save a copy & Reload", 180, 3004},
-    {L"Discard & Reload", 180, 3005},
+    {L"Reload", 120, ControlId::Reload, ButtonShape::Square},
+    {L"Save a copy & Reload", 180, ControlId::SaveCopyAndReload},
+    {L"Discard & Reload", 180, ControlId::DiscardAndReload},
     20};
 
 constexpr Situation kRename{
@@ -49,9 +51,9 @@ constexpr Situation kRename{
     L"Click \"Continue\" to reload and sync the renamed file from the web to your computer.",
     L"This file has unsaved changes. Do you want to save your changes before reloading and syncing the renamed file "
     L"from the web to your computer?",
-    {L"Continue", 130, 3011},
-    {L"Save & Continue", 170, 3012},
-    {L"Discard & Continue", 170, 3013},
+    {L"Continue", 130, ControlId::ContinueToFollow},
+    {L"Save & Continue", 170, ControlId::SaveAndFollow},
+    {L"Discard & Continue", 170, ControlId::DiscardAndFollow},
     30};
 
 constexpr Situation kMove{
@@ -60,9 +62,9 @@ constexpr Situation kMove{
     L"Click \"Continue\" to reload and sync the file from the new location on the web to your computer.",
     L"This file has unsaved changes. Do you want to save your changes before reloading and syncing the file from the "
     L"new location on the web to your computer?",
-    {L"Continue", 130, 3011},
-    {L"Save & Continue", 170, 3012},
-    {L"Discard & Continue", 170, 3013},
+    {L"Continue", 130, ControlId::ContinueToFollow},
+    {L"Save & Continue", 170, ControlId::SaveAndFollow},
+    {L"Discard & Continue", 170, ControlId::DiscardAndFollow},
     30};
 
 const Situation* SituationOf(bool conflict, bool download, bool rename, bool move) {
@@ -85,21 +87,23 @@ PanelLayout ConfirmLeavePanelLayout(bool unsaved, bool conflict, bool download, 
                         L"couldn't create confirm leave file sub overlay UI - ", L"creating close confirmation UI");
   auto& steps = layout.steps;
   const int d = unsaved ? 60 : 40;
-  steps.push_back(TextStep(unsaved ? situation->descriptionUnsaved : situation->descriptionSaved, {20, 20, 400, d}, 0,
-                           FontRole::Body, L"couldn't create confirm leave file description - "));
+  steps.push_back(TextStep(unsaved ? situation->descriptionUnsaved : situation->descriptionSaved, {20, 20, 400, d},
+                           ControlId::None, ColourRole::Plain, FontRole::Body,
+                           L"couldn't create confirm leave file description - "));
   int buttonTop = d + 20 + 10;
   if (situation->noteGap != 0) {
     const int noteTop = d + situation->noteGap;
-    steps.push_back(TextStep(L"This may take some time...", {20, noteTop, 200, 25}, 0, FontRole::BodyItalic,
-                             L"couldn't create confirm leave file time taken - "));
+    steps.push_back(TextStep(L"This may take some time...", {20, noteTop, 200, 25}, ControlId::None, ColourRole::Plain,
+                             FontRole::BodyItalic, L"couldn't create confirm leave file time taken - "));
     buttonTop = noteTop + 25 + 10;
   }
   const Choice first = unsaved ? situation->firstChoice : situation->onlyChoice;
-  steps.push_back(ButtonStep(first.caption, {20, buttonTop, first.width, 40}, first.id,
+  steps.push_back(ButtonStep(first.caption, {20, buttonTop, first.width, 40}, first.id, ButtonLook::Main, first.shape,
                              L"couldn't create confirm leave file yes button - "));
   if (unsaved) {
     const Choice second = situation->secondChoice;
     steps.push_back(BorderedButtonStep(second.caption, {first.width + 40, buttonTop, second.width, 40}, second.id,
+                                       ButtonLook::SecondChoice, second.shape,
                                        L"couldn't create confirm leave file no button - "));
   }
   return layout;
@@ -108,5 +112,5 @@ PanelLayout ConfirmLeavePanelLayout(bool unsaved, bool conflict, bool download, 
 std::array<int, 2> ConfirmLeaveFirstChoiceIds(bool conflict, bool download, bool rename, bool move) {
   const Situation* situation = SituationOf(conflict, download, rename, move);
   if (situation == nullptr) return {0, 0};
-  return {situation->onlyChoice.id, situation->firstChoice.id};
+  return {static_cast<int>(situation->onlyChoice.id), static_cast<int>(situation->firstChoice.id)};
 }

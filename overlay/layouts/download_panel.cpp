@@ -39,32 +39,33 @@ PanelLayout DownloadPanelLayout(const std::wstring& lastModifiedByQuid, const st
                         L"couldn't get parent window rect while creating download sub overlay UI - ",
                         L"couldn't create download sub overlay UI - ", L"creating download sub overlay UI");
   auto& steps = layout.steps;
-  steps.push_back(TextStep(L"This file has been modified", {x, 20, details ? w - 40 : 250, 25}, 0, FontRole::Title,
-                           L"couldn't create download title - "));
+  steps.push_back(TextStep(L"This file has been modified", {x, 20, details ? w - 40 : 250, 25}, ControlId::None,
+                           ColourRole::Plain, FontRole::Title, L"couldn't create download title - "));
   if (details) {
     // Without an identifier there is no file to try: the default avatar.
     steps.push_back(AvatarStep(!lastModifiedByQuid.empty(), AvatarFileName(lastModifiedByQuid), {20, 55, 40, 40},
                                L"couldn't create last modified by download avatar - "));
-    steps.push_back(NameStep(lastModifiedBy, {70, 55, w - 90, 25}, 0, FontRole::Title,
-                                     L"couldn't create download lastModifiedBy - "));
-    steps.push_back(ModifiedOnStep(lastModifiedTime, {70, 80, w - 90, 25}, 1004, FontRole::Body,
-                             L"couldn't create download description - "));
+    steps.push_back(NameStep(lastModifiedBy, {70, 55, w - 90, 25}, ControlId::None, ColourRole::Plain, FontRole::Title,
+                             L"couldn't create download lastModifiedBy - "));
+    steps.push_back(ModifiedOnStep(lastModifiedTime, {70, 80, w - 90, 25}, ControlId::Description, ColourRole::BodyText,
+                                   FontRole::Body, L"couldn't create download description - "));
   } else {
-    steps.push_back(TextStep(L"Retrieving more details...", {checkBox ? x : x + 10, 45, 200, 25}, 0,
-                             FontRole::WaitItalic, L"couldn't create download RetrievingMoreDetails - "));
+    steps.push_back(TextStep(L"Retrieving more details...", {checkBox ? x : x + 10, 45, 200, 25}, ControlId::None,
+                             ColourRole::Plain, FontRole::WaitItalic,
+                             L"couldn't create download RetrievingMoreDetails - "));
   }
   if (checkBox) {
-    steps.push_back(CheckBoxStep(L"Save my changes as a separate copy", {20, y0, w - 40, 40}, 4001,
-                                 L"couldn't create save my changes checkbox - "));
+    steps.push_back(CheckBoxStep(L"Save my changes as a separate copy", {20, y0, w - 40, 40},
+                                 ControlId::SaveSeparateCopy, L"couldn't create save my changes checkbox - "));
   }
   const int buttonTop = checkBox ? y0 + 40 : y0;
   if (downloading) {
-    steps.push_back(
-        ButtonStep(L"Downloading...", {x, buttonTop, 200, 40}, 3002, L"couldn't create download button - "));
+    steps.push_back(ButtonStep(L"Downloading...", {x, buttonTop, 200, 40}, ControlId::Downloading, ButtonLook::Waiting,
+                               ButtonShape::Square, L"couldn't create download button - "));
     steps.push_back(ProgressBarStep({0, size.height - 7, w, 7}, L"couldn't create downloading progress bar - "));
   } else {
-    steps.push_back(
-        ButtonStep(L"Download latest version", {x, buttonTop, 240, 40}, 3001, L"couldn't create download button - "));
+    steps.push_back(ButtonStep(L"Download latest version", {x, buttonTop, 240, 40}, ControlId::Download,
+                               ButtonLook::Main, ButtonShape::Square, L"couldn't create download button - "));
   }
   return layout;
 }

@@ -37,10 +37,11 @@ bool operator==(const LayoutStep& a, const LayoutStep& b) {
   return a.kind == b.kind && SameText(a.className, b.className) && a.style == b.style && a.exStyle == b.exStyle &&
          a.text == b.text && a.x == b.x && a.y == b.y && a.width == b.width && a.height == b.height && a.id == b.id &&
          a.font == b.font && a.image == b.image && a.tryUserAvatar == b.tryUserAvatar && a.avatarFile == b.avatarFile &&
-         a.backdrop == b.backdrop &&
-         a.parent == b.parent && a.target == b.target && a.startMarquee == b.startMarquee &&
+         a.backdrop == b.backdrop && a.parent == b.parent && a.target == b.target && a.startMarquee == b.startMarquee &&
          a.circleRegion == b.circleRegion && SameText(a.failureText, b.failureText) &&
-         SameText(a.regionFailureText, b.regionFailureText) && SameText(a.setRegionFailureText, b.setRegionFailureText);
+         SameText(a.regionFailureText, b.regionFailureText) &&
+         SameText(a.setRegionFailureText, b.setRegionFailureText) && a.colour == b.colour &&
+         a.buttonLook == b.buttonLook && a.buttonShape == b.buttonShape;
 }
 
 bool operator!=(const LayoutStep& a, const LayoutStep& b) { return !(a == b); }
@@ -50,13 +51,18 @@ std::ostream& operator<<(std::ostream& out, const LayoutStep& step) {
   PrintText(out, step.className);
   out << " style 0x" << std::hex << step.style << " ex 0x" << step.exStyle << std::dec << " text ";
   PrintText(out, step.text.c_str());
-  out << " at " << step.x << "," << step.y << " " << step.width << "x" << step.height << " id " << step.id << " font "
-      << FontName(step.font) << " image " << ImageName(step.image);
+  out << " at " << step.x << "," << step.y << " " << step.width << "x" << step.height << " id "
+      << static_cast<int>(step.id) << " font " << FontName(step.font) << " image " << ImageName(step.image);
   if (step.image == ImageRole::Avatar) {
     out << (step.tryUserAvatar ? " user avatar " : " default avatar ");
     PrintText(out, step.avatarFile.c_str());
   }
   if (step.image != ImageRole::None) out << " on 0x" << std::hex << step.backdrop << std::dec;
+  if (step.colour != ColourRole::Plain) out << " colour " << static_cast<int>(step.colour);
+  if (step.buttonLook != ButtonLook::None) {
+    out << " look " << static_cast<int>(step.buttonLook)
+        << (step.buttonShape == ButtonShape::Rounded ? " rounded" : " square");
+  }
   out << " parent " << step.parent << " target " << step.target;
   if (step.startMarquee) out << " marquee";
   if (step.circleRegion) out << " circle";

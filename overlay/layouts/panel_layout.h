@@ -10,6 +10,8 @@
 #include <string>
 #include <vector>
 
+#include "overlay/layouts/control_id.h"
+#include "overlay/layouts/control_looks.h"
 #include "overlay/layouts/font_table.h"
 #include "overlay/layouts/overlay_geometry.h"
 
@@ -72,7 +74,7 @@ struct LayoutStep {
   int y = 0;
   int width = 0;
   int height = 0;
-  int id = 0;
+  ControlId id = ControlId::None;
   FontRole font = FontRole::None;
   ImageRole image = ImageRole::None;
   bool tryUserAvatar = false;
@@ -95,6 +97,10 @@ struct LayoutStep {
   // With circleRegion: CreateEllipticRgn and SetWindowRgn failures.
   const wchar_t* regionFailureText = nullptr;
   const wchar_t* setRegionFailureText = nullptr;
+  // How a static text or button is painted (control_looks.h).
+  ColourRole colour = ColourRole::Plain;
+  ButtonLook buttonLook = ButtonLook::None;
+  ButtonShape buttonShape = ButtonShape::Square;
 };
 
 // Two steps are equal when every field is; texts are compared by content.

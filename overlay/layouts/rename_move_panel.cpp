@@ -22,23 +22,25 @@ PanelLayout RenameMovePanelLayout(bool renamed, bool closeFirst, const std::wstr
       L"couldn't get parent window rect while creating rename/move sub overlay UI - ",
       L"couldn't create rename/move sub overlay UI - ", L"creating rename/move sub overlay UI");
   auto& steps = layout.steps;
-  steps.push_back(TextStep(title, {20, 20, 360, 25}, 0, FontRole::Title, L"couldn't create rename/move title - "));
-  steps.push_back(
-      TextStep(description, {20, 45, 360, 50}, 1004, FontRole::Body, L"couldn't create rename/move description - "));
-  steps.push_back(TextStep(renamed ? L"Previous file name" : L"From", {20, 95, 360, 25}, 0, FontRole::OverlayTitle,
-                           L"couldn't create rename/move FROM label - "));
+  steps.push_back(TextStep(title, {20, 20, 360, 25}, ControlId::None, ColourRole::Plain, FontRole::Title,
+                           L"couldn't create rename/move title - "));
+  steps.push_back(TextStep(description, {20, 45, 360, 50}, ControlId::Description, ColourRole::BodyText, FontRole::Body,
+                           L"couldn't create rename/move description - "));
+  steps.push_back(TextStep(renamed ? L"Previous file name" : L"From", {20, 95, 360, 25}, ControlId::None,
+                           ColourRole::Plain, FontRole::OverlayTitle, L"couldn't create rename/move FROM label - "));
   // The grey box keeps the system font and the blue one gets the body font;
   // both are left exactly so.
   steps.push_back(WindowStep(kLightGreyHorScrollUiClass, kStyleHorizontalScrollArea,
-                             CleanShownText(previous, kShownPathMaxLength), {20, 120, 360, 60}, 5001,
+                             CleanShownText(previous, kShownPathMaxLength), {20, 120, 360, 60}, ControlId::PreviousName,
                              FontRole::None, L"couldn't create rename/move FROM scroll window - "));
-  steps.push_back(TextStep(renamed ? L"New file name" : L"To", {20, 200, 360, 25}, 0, FontRole::OverlayTitle,
-                           L"couldn't create rename/move TO label - "));
+  steps.push_back(TextStep(renamed ? L"New file name" : L"To", {20, 200, 360, 25}, ControlId::None, ColourRole::Plain,
+                           FontRole::OverlayTitle, L"couldn't create rename/move TO label - "));
   steps.push_back(WindowStep(kLightBlueHorScrollUiClass, kStyleHorizontalScrollArea,
-                             CleanShownText(next, kShownPathMaxLength), {20, 225, 360, 60}, 5002,
+                             CleanShownText(next, kShownPathMaxLength), {20, 225, 360, 60}, ControlId::NewName,
                              FontRole::Body, L"couldn't create rename/move TO name/path - "));
   if (button) {
-    steps.push_back(ButtonStep(L"Reload", {20, 305, 120, 40}, 3010, L"couldn't create rename/move button - "));
+    steps.push_back(ButtonStep(L"Reload", {20, 305, 120, 40}, ControlId::FollowRenameOrMove, ButtonLook::Main,
+                               ButtonShape::Rounded, L"couldn't create rename/move button - "));
   }
   return layout;
 }

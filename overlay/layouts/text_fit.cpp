@@ -66,7 +66,9 @@ bool LeftInSameRow(const LayoutStep& left, const LayoutStep& right) {
 }  // namespace
 
 TextMeasure MeasureOf(const LayoutStep& step, int lineHeight) {
-  if (step.kind != StepKind::Create || step.text.empty() || step.id == kRuleControlId) return TextMeasure::None;
+  // Rules (lines of underscores or hyphens) run off the panel's edge on
+  // purpose: never measured.
+  if (step.kind != StepKind::Create || step.text.empty() || step.id == ControlId::Rule) return TextMeasure::None;
   if (IsClass(step, kStaticClass)) {
     const std::uint32_t type = step.style & kTypeMask;
     if (type == kStaticOwnerDraw) return TextMeasure::OneLine;

@@ -10,11 +10,8 @@
 #include <string>
 #include <vector>
 
+#include "overlay/layouts/control_id.h"
 #include "overlay/layouts/panel_layout.h"
-
-// The id of the rules (lines of underscores or hyphens) that are meant to
-// run off the panel's edge; they are never measured.
-inline constexpr int kRuleControlId = 1005;
 
 // How a step's text is measured.
 enum class TextMeasure {

@@ -161,29 +161,33 @@ bool UpdateRecord(const FileStatusCache::TickEntry& entry, FileStatusRecord& wor
   // The add-in is closing it for a sync action, and reports that close
   // itself once the host is done.
   if (working.closingForSyncAction) return false;
-  try {
-    WriteLog(LogLevel::Debug, L"checking: " + path);
-    if (working.seenStamp != stamp) {
-      ForgetClosedDocument(path, closedRequests);
-      return false;
-    }
-    const bool editing = HasUnsavedChanges(working.document);
-    WriteLog(LogLevel::Debug, L"checked: " + path);
-    const bool editingChanged = editing != (working.isEditing != 0);
-    working.isEditing = editing ? 1 : 0;
-    const SharedWindowState windows = WindowStateFor(path, working.hostWindow);
-    FollowHostDpi(path, working, *windows);
-    RecordPass pass{path, activeFile, syncAppHasData, editingChanged};
-    UpdateRecordOverlays(pass, working, *windows);
-    return true;
-  } catch (const std::exception& e) {
-    WriteLog(LogLevel::Error, L"std exception occurred while checking unsaved changes exists or not - " + path +
-                                  L", error=" + Widen(e.what()));
-  } catch (...) {
-    WriteLog(LogLevel::Error, L"unknown exception occurred while checking unsaved changes exists or not: " + path);
-  }
-  DropRecord(path);
-  return false;
+  // A record whose check fails is dropped, with its windows.
+  bool kept = false;
+  const bool checked = GuardedWithTexts(
+      false,
+      [&] {
+        WriteLog(LogLevel::Debug, L"checking: " + path);
+        if (working.seenStamp != stamp) {
+          ForgetClosedDocument(path, closedRequests);
+          return true;
+        }
+        const bool editing = HasUnsavedChanges(working.document);
+        WriteLog(LogLevel::Debug, L"checked: " + path);
+        const bool editingChanged = editing != (working.isEditing != 0);
+        working.isEditing = editing ? 1 : 0;
+        const SharedWindowState windows = WindowStateFor(path, working.hostWindow);
+        FollowHostDpi(path, working, *windows);
+        RecordPass pass{path, activeFile, syncAppHasData, editingChanged};
+        UpdateRecordOverlays(pass, working, *windows);
+        kept = true;
+        return true;
+      },
+      [&](const std::wstring& what) {
+        return L"std exception occurred while checking unsaved changes exists or not - " + path + L", error=" + what;
+      },
+      [&] { return L"unknown exception occurred while checking unsaved changes exists or not: " + path; });
+  if (!checked) DropRecord(path);
+  return kept;
 }
 
 // The cache's lock is taken a fixed number of times, whatever the number

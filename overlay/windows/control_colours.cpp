@@ -17,41 +17,75 @@ constexpr COLORREF kBandGrey = RGB(230, 230, 230);
 constexpr COLORREF kLightBlue = RGB(211, 226, 240);
 constexpr COLORREF kBodyText = RGB(68, 68, 68);
 
-struct ControlColour {
-  int id;
+struct Colours {
   COLORREF text;
   COLORREF background;
 };
 
-// Text ids on white, then the coloured bands. A title that says someone is
-// editing reads red, one that says someone is viewing green.
-const ControlColour kStaticColours[] = {
-    {1001, RGB(0, 0, 0), kWhite},         // titles
-    {1002, RGB(20, 120, 60), kWhite},     // "... viewing this file"
-    {1003, RGB(190, 30, 30), kWhite},     // "... editing this file"
-    {1004, kBodyText, kWhite},            // descriptions, headings, times
-    {1005, RGB(200, 200, 200), kWhite},   // the rules between sections
-    {2001, kWhite, kBlue},                // the loading strip's pieces
-    {2002, RGB(40, 40, 40), kBandGrey},   // the text in a grey note box
-    {2003, RGB(40, 40, 40), kLightBlue},  // a light blue band
-    {2004, RGB(30, 30, 30), kWhite},      // the active users' rows
-};
+// A title that says someone is editing reads red, one that says someone is
+// viewing green.
+Colours ColoursOf(ColourRole role) {
+  switch (role) {
+    case ColourRole::ViewingTitle:
+      return {RGB(20, 120, 60), kWhite};
+    case ColourRole::EditingTitle:
+      return {RGB(190, 30, 30), kWhite};
+    case ColourRole::BodyText:
+      return {kBodyText, kWhite};
+    case ColourRole::Rule:
+      return {RGB(200, 200, 200), kWhite};
+    case ColourRole::LoadingStrip:
+      return {kWhite, kBlue};
+    case ColourRole::Note:
+      return {RGB(40, 40, 40), kBandGrey};
+    case ColourRole::MemberRow:
+      return {RGB(30, 30, 30), kWhite};
+    case ColourRole::Plain:
+    default:
+      return {RGB(0, 0, 0), kWhite};
+  }
+}
 
-// The buttons that get rounded corners of their own size.
-bool IsRoundedButtonId(int id) { return id == 2001 || id == 3004 || (id >= 3005 && id <= 3014) || id == 3017; }
-
-// The second choice of a confirmation and "Hide" are quiet; the rest are
-// the panel's main action.
-struct ButtonLook {
+struct Paint {
   COLORREF fill;
   COLORREF text;
   COLORREF frame;
 };
-ButtonLook LookOf(int id, bool pressed) {
-  if (id == 3005 || id == 3009 || id == 3013) return {pressed ? kBandGrey : kWhite, kBlue, kBlue};
-  if (id == 3014) return {pressed ? RGB(200, 200, 200) : kBandGrey, RGB(40, 40, 40), kBandGrey};
-  if (id == 3002) return {kLightBlue, RGB(110, 110, 110), kLightBlue};  // "Downloading...": waiting, not a choice
-  return {pressed ? kDarkBlue : kBlue, kWhite, pressed ? kDarkBlue : kBlue};
+
+// The second choice of a confirmation and "Hide" are quiet; the rest are
+// the panel's main action.
+Paint PaintOf(ButtonLook look, bool pressed) {
+  switch (look) {
+    case ButtonLook::SecondChoice:
+      return {pressed ? kBandGrey : kWhite, kBlue, kBlue};
+    case ButtonLook::Quiet:
+      return {pressed ? RGB(200, 200, 200) : kBandGrey, RGB(40, 40, 40), kBandGrey};
+    case ButtonLook::Waiting:
+      return {kLightBlue, RGB(110, 110, 110), kLightBlue};
+    case ButtonLook::Main:
+    case ButtonLook::None:
+    default:
+      return {pressed ? kDarkBlue : kBlue, kWhite, pressed ? kDarkBlue : kBlue};
+  }
+}
+
+// The look travels in the control's GWLP_USERDATA, which the system's
+// STATIC and BUTTON classes leave to the application: one byte each for the
+// colour role, the button look and the shape, and a mark so that a control
+// we did not make reads as plain.
+constexpr LONG_PTR kLookMark = 0x51000000;
+
+struct Look {
+  ColourRole colour = ColourRole::Plain;
+  ButtonLook button = ButtonLook::None;
+  ButtonShape shape = ButtonShape::Square;
+};
+
+Look LookOf(HWND control) {
+  const LONG_PTR packed = GetWindowLongPtrW(control, GWLP_USERDATA);
+  if ((packed & 0xFF000000) != kLookMark) return {};
+  return {static_cast<ColourRole>(packed & 0xFF), static_cast<ButtonLook>((packed >> 8) & 0xFF),
+          static_cast<ButtonShape>((packed >> 16) & 0xFF)};
 }
 
 void GiveRoundedCorners(HWND control) {
@@ -91,18 +125,17 @@ HBRUSH KeptBrush(COLORREF colour) {
   return brush;
 }
 
+void RememberControlLook(HWND control, ColourRole colour, ButtonLook look, ButtonShape shape) {
+  SetWindowLongPtrW(control, GWLP_USERDATA,
+                    kLookMark | static_cast<LONG_PTR>(colour) | (static_cast<LONG_PTR>(look) << 8) |
+                        (static_cast<LONG_PTR>(shape) << 16));
+}
+
 HBRUSH StaticControlColours(HWND control, HDC dc) {
-  const int id = GetDlgCtrlID(control);
-  COLORREF text = RGB(0, 0, 0);
-  COLORREF background = kWhite;
-  for (const ControlColour& colour : kStaticColours) {
-    if (colour.id != id) continue;
-    text = colour.text;
-    background = colour.background;
-  }
-  SetTextColor(dc, text);
-  SetBkColor(dc, background);
-  return KeptBrush(background);
+  const Colours colours = ColoursOf(LookOf(control).colour);
+  SetTextColor(dc, colours.text);
+  SetBkColor(dc, colours.background);
+  return KeptBrush(colours.background);
 }
 
 HBRUSH ButtonControlColours(HDC dc) {
@@ -112,8 +145,8 @@ HBRUSH ButtonControlColours(HDC dc) {
 }
 
 void DrawOwnerDrawnControl(const DRAWITEMSTRUCT& item) {
-  const int id = static_cast<int>(item.CtlID);
-  if (IsRoundedButtonId(id) && item.CtlType == ODT_BUTTON) GiveRoundedCorners(item.hwndItem);
+  const Look look = LookOf(item.hwndItem);
+  if (item.CtlType == ODT_BUTTON && look.shape == ButtonShape::Rounded) GiveRoundedCorners(item.hwndItem);
   RECT area = item.rcItem;
   const std::wstring text = TextOf(item.hwndItem);
   const HFONT font = reinterpret_cast<HFONT>(SendMessageW(item.hwndItem, WM_GETFONT, 0, 0));
@@ -121,16 +154,17 @@ void DrawOwnerDrawnControl(const DRAWITEMSTRUCT& item) {
   SetBkMode(item.hDC, TRANSPARENT);
   if (item.CtlType == ODT_STATIC) {
     // The loading strip's title: white on the strip's blue.
-    FillRect(item.hDC, &area, KeptBrush(kBlue));
-    SetTextColor(item.hDC, kWhite);
+    const Colours colours = ColoursOf(look.colour);
+    FillRect(item.hDC, &area, KeptBrush(colours.background));
+    SetTextColor(item.hDC, colours.text);
     DrawTextW(item.hDC, text.c_str(), -1, &area, DT_LEFT | DT_VCENTER | DT_SINGLELINE | DT_NOPREFIX);
     return;
   }
-  const ButtonLook look = LookOf(id, (item.itemState & ODS_SELECTED) != 0);
-  FillRect(item.hDC, &area, KeptBrush(look.frame));
+  const Paint paint = PaintOf(look.button, (item.itemState & ODS_SELECTED) != 0);
+  FillRect(item.hDC, &area, KeptBrush(paint.frame));
   RECT inside = area;
   InflateRect(&inside, -1, -1);
-  FillRect(item.hDC, &inside, KeptBrush(look.fill));
-  SetTextColor(item.hDC, look.text);
+  FillRect(item.hDC, &inside, KeptBrush(paint.fill));
+  SetTextColor(item.hDC, paint.text);
   DrawTextW(item.hDC, text.c_str(), -1, &area, DT_CENTER | DT_VCENTER | DT_SINGLELINE | DT_NOPREFIX);
 }

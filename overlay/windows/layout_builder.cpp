@@ -26,6 +26,7 @@
 #include "overlay/images/panel_bitmaps.h"
 #include "overlay/windows/overlay_window_state.h"
 #include "overlay/windows/window_dpi.h"
+#include "overlay/windows/control_colours.h"
 
 namespace {
 Rect ToRect(const RECT& r) { return {r.left, r.top, r.right, r.bottom}; }
@@ -34,6 +35,12 @@ Rect ToRect(const RECT& r) { return {r.left, r.top, r.right, r.bottom}; }
 // our own manifest's activation context, whatever Office runs under.
 bool NeedsModuleActivation(const wchar_t* className) {
   return lstrcmpiW(className, kSysLinkClass) == 0 || lstrcmpiW(className, kProgressBarClass) == 0;
+}
+
+// The system's texts and buttons ask their parent for colours and, when
+// owner-drawn, for painting; our own classes paint themselves.
+bool TakesItsLookFromTheStep(const wchar_t* className) {
+  return lstrcmpiW(className, kStaticClass) == 0 || lstrcmpiW(className, kButtonClass) == 0;
 }
 
 // The bitmap an image step shows and whether the panel owns it.
@@ -134,6 +141,8 @@ bool CreateChild(HWND window, const LayoutStep& step, std::vector<HWND>& childre
     LogLastErrorText(step.failureText);
     return false;
   }
+  if (TakesItsLookFromTheStep(step.className))
+    RememberControlLook(control, step.colour, step.buttonLook, step.buttonShape);
   if (HFONT font = FontOf(step, dpi)) {
     SendMessageW(control, WM_SETFONT, reinterpret_cast<WPARAM>(font), FALSE);
   }

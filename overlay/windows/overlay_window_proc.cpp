@@ -256,7 +256,8 @@ bool Handle(HWND window, UINT message, WPARAM wParam, LPARAM lParam, LRESULT& re
       return true;
     case WM_COMMAND:
       if (HIWORD(wParam) != BN_CLICKED) return false;
-      if (IsCommandFromOwnControl(window, LOWORD(wParam), lParam)) HandlePanelCommand(window, LOWORD(wParam));
+      if (IsCommandFromOwnControl(window, LOWORD(wParam), lParam))
+        HandlePanelCommand(window, static_cast<ControlId>(LOWORD(wParam)));
       result = 0;
       return true;
     case WM_CTLCOLORSTATIC:

@@ -125,16 +125,17 @@ void AfterSaveThenCloseFailed(const Pressed& pressed) {
   }
 }
 
-// 3001: the user wants the newer version; the panel says "Downloading..."
+// Download: the user wants the newer version; the panel says "Downloading..."
 // until the sync app has it.
 void Download(const Pressed& pressed) {
   Store(pressed, [](FileStatusRecord& record) {
     record.choices.Set(UserChoice::downloadRequested);
     record.overlayUpToDate = 0;
   });
-  if (GetDlgItem(pressed.panel, 4001) == nullptr) {
+  if (GetDlgItem(pressed.panel, static_cast<int>(ControlId::SaveSeparateCopy)) == nullptr) {
     Info(L"download - user not editing - so save separate copy checkbox not available: ", pressed);
-  } else if (SendDlgItemMessageW(pressed.panel, 4001, BM_GETCHECK, 0, 0) == BST_CHECKED) {
+  } else if (SendDlgItemMessageW(pressed.panel, static_cast<int>(ControlId::SaveSeparateCopy), BM_GETCHECK, 0, 0) ==
+             BST_CHECKED) {
     Info(L"download - save separate copy checkbox checked: ", pressed);
     Store(pressed, [](FileStatusRecord& record) { record.choices.Set(UserChoice::saveSeparateCopy); });
   } else {
@@ -147,7 +148,7 @@ void Download(const Pressed& pressed) {
                                             sync.last_modified_time, editing, true));
 }
 
-// 3003: reload the downloaded version; with unsaved changes the user is
+// Reload: reload the downloaded version; with unsaved changes the user is
 // first asked what becomes of them.
 void Reload(const Pressed& pressed) {
   HWND panel = pressed.panel;
@@ -184,7 +185,7 @@ void Reload(const Pressed& pressed) {
   WriteLog(LogLevel::Info, L"download reload completed");
 }
 
-// 3004: keep the user's changes in a separate copy next to the document,
+// SaveCopyAndReload: keep the user's changes in a separate copy next to the document,
 // then reload. Once the copy exists the changes are safe in it: the
 // document closes without saving and without a second question, in every
 // host, and the close tells the sync app the user wants the web version.
@@ -209,7 +210,7 @@ void SaveCopyAndReload(const Pressed& pressed) {
   WriteLog(LogLevel::Info, L"download with save copy completed");
 }
 
-// 3005: reload and let the changes go.
+// DiscardAndReload: reload and let the changes go.
 void DiscardAndReload(const Pressed& pressed) {
   Info(L"download with discard changes in progress: ", pressed);
   if (!CloseForSyncAction(pressed, CloseMode::CloseWithoutSaving, UserChoice::retryModify)) {
@@ -217,7 +218,7 @@ void DiscardAndReload(const Pressed& pressed) {
   }
 }
 
-// 3006 and 3010: the confirmation, asking about unsaved changes when there
+// ResolveConflict and FollowRenameOrMove: the confirmation, asking about unsaved changes when there
 // are any.
 void AskBeforeResolving(const Pressed& pressed) {
   const bool editing = HasUnsavedChanges(pressed.record.document);
@@ -263,7 +264,7 @@ bool AskAboutChangesMadeSince(const Pressed& pressed, bool conflict) {
   return true;
 }
 
-// 3007, 3008, 3009: close the document so the sync app can open its
+// ContinueToResolve, SaveAndResolve, DiscardAndResolve: close the document so the sync app can open its
 // resolve-conflict window. A save that cannot be made shows why.
 void ResolveConflict(const Pressed& pressed, CloseMode mode) {
   if (mode == CloseMode::CloseLettingTheHostAsk) {
@@ -286,7 +287,7 @@ void ResolveConflict(const Pressed& pressed, CloseMode mode) {
                                                                       : L"resolve conflict save/discard completed");
 }
 
-// 3011: close the document so it is synced from its new name or place.
+// ContinueToFollow: close the document so it is synced from its new name or place.
 void FollowRenameOrMove(const Pressed& pressed) {
   if (AskAboutChangesMadeSince(pressed, false)) return;
   Info(L"retry rename/move: ", pressed);
@@ -296,7 +297,7 @@ void FollowRenameOrMove(const Pressed& pressed) {
   WriteLog(LogLevel::Info, L"rename/move continue completed");
 }
 
-// 3012 and 3013: the same, saving or dropping the changes first. A save
+// SaveAndFollow and DiscardAndFollow: the same, saving or dropping the changes first. A save
 // that cannot be made shows why, and the document stays open with the
 // user's changes in it.
 void FollowRenameOrMoveSaving(const Pressed& pressed, bool save) {
@@ -321,7 +322,7 @@ void FollowRenameOrMoveSaving(const Pressed& pressed, bool save) {
   WriteLog(LogLevel::Info, L"rename/move save/discard completed");
 }
 
-// 3014: both windows go at once and stay away while uiHide is set; the sync
+// Hide: both windows go at once and stay away while uiHide is set; the sync
 // app hears of it now, not at the next cycle.
 void Hide(const Pressed& pressed) {
   Store(pressed, [](FileStatusRecord& record) {
@@ -330,36 +331,39 @@ void Hide(const Pressed& pressed) {
   });
   pressed.windows->overlayKind = 0;
   DestroyOverlayWindows(pressed.windows->subOverlayWindow, pressed.windows->badgeWindow);
-  TheSyncAppPipe().Exchange(Cache().BuildRequest(pressed.path, 1));
+  TheSyncAppPipe().Exchange(Cache().BuildRequest(pressed.path, true));
 }
 
 struct Command {
-  int id;
+  ControlId id;
   // Logged at level 4 as it stands, then at level 3 with ": " and the path.
   const wchar_t* text;
   void (*act)(const Pressed& pressed);
 };
 
 const Command kCommands[] = {
-    {3001, L"download button clicked", Download},
-    {3003, L"download reload button clicked", Reload},
-    {3004, L"download with save copy button clicked", SaveCopyAndReload},
-    {3005, L"download with discard changes button clicked", DiscardAndReload},
-    {3006, L"resolve conflict button clicked", AskBeforeResolving},
-    {3007, L"resolve conflict continue button clicked",
+    {ControlId::Download, L"download button clicked", Download},
+    {ControlId::Reload, L"download reload button clicked", Reload},
+    {ControlId::SaveCopyAndReload, L"download with save copy button clicked", SaveCopyAndReload},
+    {ControlId::DiscardAndReload, L"download with discard changes button clicked", DiscardAndReload},
+    {ControlId::ResolveConflict, L"resolve conflict button clicked", AskBeforeResolving},
+    {ControlId::ContinueToResolve, L"resolve conflict continue button clicked",
      [](const Pressed& p) { ResolveConflict(p, CloseMode::CloseLettingTheHostAsk); }},
-    {3008, L"resolve conflict save button clicked", [](const Pressed& p) { ResolveConflict(p, CloseMode::SaveThenClose); }},
-    {3009, L"resolve conflict discard button clicked",
+    {ControlId::SaveAndResolve, L"resolve conflict save button clicked",
+     [](const Pressed& p) { ResolveConflict(p, CloseMode::SaveThenClose); }},
+    {ControlId::DiscardAndResolve, L"resolve conflict discard button clicked",
      [](const Pressed& p) { ResolveConflict(p, CloseMode::CloseWithoutSaving); }},
-    {3010, L"rename/move button clicked", AskBeforeFollowing},
-    {3011, L"rename/move continue button clicked", FollowRenameOrMove},
-    {3012, L"rename/move save button clicked", [](const Pressed& p) { FollowRenameOrMoveSaving(p, true); }},
-    {3013, L"rename/move discard button clicked", [](const Pressed& p) { FollowRenameOrMoveSaving(p, false); }},
-    {3014, L"user clicked hide option", Hide},
+    {ControlId::FollowRenameOrMove, L"rename/move button clicked", AskBeforeFollowing},
+    {ControlId::ContinueToFollow, L"rename/move continue button clicked", FollowRenameOrMove},
+    {ControlId::SaveAndFollow, L"rename/move save button clicked",
+     [](const Pressed& p) { FollowRenameOrMoveSaving(p, true); }},
+    {ControlId::DiscardAndFollow, L"rename/move discard button clicked",
+     [](const Pressed& p) { FollowRenameOrMoveSaving(p, false); }},
+    {ControlId::Hide, L"user clicked hide option", Hide},
 };
 }  // namespace
 
-void HandlePanelCommand(HWND panel, int id) {
+void HandlePanelCommand(HWND panel, ControlId id) {
   for (const Command& command : kCommands) {
     if (command.id != id) continue;
     WriteLog(LogLevel::Debug, command.text);

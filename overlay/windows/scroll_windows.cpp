@@ -2,9 +2,11 @@
 
 #include <exception>
 #include <string>
+#include <utility>
 
 #include "common/gdi_guards.h"
 #include "common/text.h"
+#include "log/exception_barrier.h"
 #include "log/write_log.h"
 #include "overlay/windows/control_colours.h"
 #include "overlay/layouts/dpi_scaling.h"
@@ -33,6 +35,18 @@ void ReadMetrics(HWND window) {
   metrics.charWidth = text.tmAveCharWidth;
   metrics.capitalWidth = CapitalWidth(text.tmAveCharWidth, text.tmPitchAndFamily);
   metrics.lineHeight = LineHeight(text.tmHeight, text.tmExternalLeading);
+}
+
+// The text is drawn on the area's own colour, the solid brush its class
+// paints the background with (grey for the old name, light blue for the
+// new); a class without a solid brush leaves the device context's white.
+void UseClassBackground(HWND window, HDC dc) {
+  const auto background = reinterpret_cast<HBRUSH>(GetClassLongPtrW(window, GCLP_HBRBACKGROUND));
+  LOGBRUSH brush{};
+  if (background != nullptr && GetObjectW(background, sizeof brush, &brush) == sizeof brush &&
+      brush.lbStyle == BS_SOLID) {
+    SetBkColor(dc, brush.lbColor);
+  }
 }
 
 // The areas draw with their device context's own font, but keep the font
@@ -110,9 +124,7 @@ LRESULT HorizontalMessage(HWND window, UINT message, WPARAM wParam, LPARAM lPara
     case WM_PAINT: {
       WriteLog(LogLevel::Debug, L"WM_PAINT");
       const PaintDc paint(window);
-      const int id = GetDlgCtrlID(window);
-      if (id == 5001) SetBkColor(paint.get(), RGB(230, 230, 230));
-      if (id == 5002) SetBkColor(paint.get(), RGB(211, 226, 240));
+      UseClassBackground(window, paint.get());
       SCROLLINFO info = ScrollInfo(SIF_POS);
       GetScrollInfo(window, SB_HORZ, &info);
       const int x = HorizontalTextX(info.nPos, metrics.charWidth);
@@ -166,19 +178,15 @@ LRESULT VerticalMessage(HWND window, UINT message, WPARAM wParam, LPARAM lParam)
   }
 }
 
-// The scroll procedures' own exception barrier: their texts say "in",
-// not "while".
+// The scroll procedures word their failures "in", not "while".
 template <class Body>
 LRESULT Barrier(const wchar_t* procedure, Body&& body) {
-  try {
-    return body();
-  } catch (const std::exception& e) {
-    WriteLog(LogLevel::Error,
-             std::wstring(L"std exception occurred in ") + procedure + L" scroll window procedure - " + Widen(e.what()));
-  } catch (...) {
-    WriteLog(LogLevel::Error, std::wstring(L"unknown exception occurred in ") + procedure + L" scroll window procedure");
-  }
-  return 0;
+  return GuardedWithTexts(
+      LRESULT{0}, std::forward<Body>(body),
+      [&](const std::wstring& what) {
+        return std::wstring(L"std exception occurred in ") + procedure + L" scroll window procedure - " + what;
+      },
+      [&] { return std::wstring(L"unknown exception occurred in ") + procedure + L" scroll window procedure"; });
 }
 }  // namespace
 

@@ -29,18 +29,19 @@ void ExpectSteps(const std::vector<LayoutStep>& actual, const std::vector<Layout
 
 // The four controls of a member row whose top is t, inside the list.
 std::vector<LayoutStep> Row(int t, const std::wstring& avatarFile, const std::wstring& name, bool editor) {
-  LayoutStep dot = InsideOf(kList, WindowStep(editor ? kRedUiClass : kGreenUiClass, 0x50000000, {75, t + 22, 12, 12}, 0,
-                                              L"couldn't create active users color status - "));
+  LayoutStep dot = InsideOf(kList, WindowStep(editor ? kRedUiClass : kGreenUiClass, 0x50000000, {75, t + 22, 12, 12},
+                                              ControlId::None, L"couldn't create active users color status - "));
   dot.circleRegion = true;
   dot.regionFailureText = L"couldn't create active users color status rgn - ";
   dot.setRegionFailureText = L"couldn't set active users color status rgn to window - ";
   return {
       InsideOf(kList, AvatarStep(true, avatarFile, {20, t, 40, 40}, nullptr)),
-      InsideOf(kList, NameStep(name, {75, t, 305, 20}, 2004, FontRole::Title,
+      InsideOf(kList, NameStep(name, {75, t, 305, 20}, ControlId::MemberRow, ColourRole::MemberRow, FontRole::Title,
                                L"couldn't create active users live member name - ")),
       dot,
-      InsideOf(kList, TextStep(editor ? L"Editing now" : L"Viewing now", {95, t + 20, 305, 20}, 2004, FontRole::Body,
-                               L"couldn't create active users live member status - ")),
+      InsideOf(kList,
+               TextStep(editor ? L"Editing now" : L"Viewing now", {95, t + 20, 305, 20}, ControlId::MemberRow,
+                        ColourRole::MemberRow, FontRole::Body, L"couldn't create active users live member status - ")),
   };
 }
 
@@ -70,15 +71,18 @@ TEST(ActiveUsersPanel, ListsOneEditorInRedThenThreeViewersInGreenWithTheSection)
   const PanelLayout layout = ActiveUsersPanelLayout(L"u-ann42", L"Ann Lee", L"2026-03-01 10:15", editors, viewers);
 
   std::vector<LayoutStep> expected = {
-      TextStep(L"Another user is editing this file", {20, 20, 360, 30}, 1003, FontRole::DefaultBold,
-               L"couldn't create active users title - "),
+      TextStep(L"Another user is editing this file", {20, 20, 360, 30}, ControlId::EditingTitle,
+               ColourRole::EditingTitle, FontRole::DefaultBold, L"couldn't create active users title - "),
       TextStep(L"Please avoid editing now, as it may create multiple versions. Check with other user for more "
                L"details.",
-               {20, 50, 360, 50}, 1004, FontRole::Body, L"couldn't create active users description - "),
-      TextStep(kHyphens111, {0, 95, 400, 25}, 1005, FontRole::None, L"couldn't create active users line1 - "),
-      TextStep(L"LIVE MEMBERS ( 4 )", {20, 125, 360, 25}, 1004, FontRole::Section,
-               L"couldn't create active users live members header - "),
-      WindowStep(kMainUiClass, 0x50000000, {0, 150, 400, 460}, 5001, L"couldn't create active users scroll window - "),
+               {20, 50, 360, 50}, ControlId::Description, ColourRole::BodyText, FontRole::Body,
+               L"couldn't create active users description - "),
+      TextStep(kHyphens111, {0, 95, 400, 25}, ControlId::Rule, ColourRole::Rule, FontRole::None,
+               L"couldn't create active users line1 - "),
+      TextStep(L"LIVE MEMBERS ( 4 )", {20, 125, 360, 25}, ControlId::Description, ColourRole::BodyText,
+               FontRole::Section, L"couldn't create active users live members header - "),
+      WindowStep(kMainUiClass, 0x50000000, {0, 150, 400, 460}, ControlId::List,
+                 L"couldn't create active users scroll window - "),
   };
   Append(expected, Row(15, L"bob", L"Bob Stone", true));
   Append(expected, Row(70, L"cat", L"Cat", false));
@@ -87,17 +91,20 @@ TEST(ActiveUsersPanel, ListsOneEditorInRedThenThreeViewersInGreenWithTheSection)
   Append(expected,
          {
              ResizeChildStep(kList, {0, 150, 400, 225}, L"couldn't update active users scroll window size - "),
-             TextStep(kHyphens111, {0, 375, 400, 25}, 1005, FontRole::None, L"couldn't create active users line2 - "),
-             TextStep(L"LAST MODIFIED BY", {20, 405, 360, 25}, 1004, FontRole::Section,
-                      L"couldn't create active users last modified by header - "),
+             TextStep(kHyphens111, {0, 375, 400, 25}, ControlId::Rule, ColourRole::Rule, FontRole::None,
+                      L"couldn't create active users line2 - "),
+             TextStep(L"LAST MODIFIED BY", {20, 405, 360, 25}, ControlId::Description, ColourRole::BodyText,
+                      FontRole::Section, L"couldn't create active users last modified by header - "),
              AvatarStep(true, L"ann42", {20, 440, 40, 40}, L"couldn't create active users last modified by avatar - "),
-             NameStep(L"Ann Lee", {75, 440, 305, 20}, 0, FontRole::Title,
+             NameStep(L"Ann Lee", {75, 440, 305, 20}, ControlId::None, ColourRole::Plain, FontRole::Title,
                       L"couldn't create active users lastModifiedBy name - "),
-             ModifiedOnStep(L"2026-03-01 10:15", {75, 460, 305, 20}, 1004, FontRole::Body,
-                            L"couldn't create active users lastModifiedTime - "),
-             TextStep(kHyphens111, {0, 490, 400, 25}, 1005, FontRole::None, L"couldn't create active users line3 - "),
+             ModifiedOnStep(L"2026-03-01 10:15", {75, 460, 305, 20}, ControlId::Description, ColourRole::BodyText,
+                            FontRole::Body, L"couldn't create active users lastModifiedTime - "),
+             TextStep(kHyphens111, {0, 490, 400, 25}, ControlId::Rule, ColourRole::Rule, FontRole::None,
+                      L"couldn't create active users line3 - "),
              LinkStep(kLearnMore, {20, 515, 80, 20}, L"couldn't create active users learn more - "),
-             ButtonStep(L"Hide", {120, 515, 40, 20}, 3014, L"couldn't create active users hide button - "),
+             ButtonStep(L"Hide", {120, 515, 40, 20}, ControlId::Hide, ButtonLook::Quiet, ButtonShape::Rounded,
+                        L"couldn't create active users hide button - "),
          });
   ExpectSteps(layout.steps, expected);
   EXPECT_EQ(layout.width, 400);
@@ -109,23 +116,26 @@ TEST(ActiveUsersPanel, ListsOneViewerWithoutTheSectionWhenTheNameIsEmpty) {
   const PanelLayout layout = ActiveUsersPanelLayout(L"u-ann42", L"", L"2026-03-01 10:15", {}, {{L"v-cat", L"Cat"}});
 
   std::vector<LayoutStep> expected = {
-      TextStep(L"Another user is viewing this file", {20, 20, 360, 30}, 1002, FontRole::DefaultBold,
-               L"couldn't create active users title - "),
-      TextStep(L"If they make changes, we'll let you know.", {20, 50, 360, 25}, 1004, FontRole::Body,
-               L"couldn't create active users description - "),
-      TextStep(kHyphens111, {0, 70, 400, 25}, 1005, FontRole::None, L"couldn't create active users line1 - "),
-      TextStep(L"LIVE MEMBERS ( 1 )", {20, 100, 360, 25}, 1004, FontRole::Section,
-               L"couldn't create active users live members header - "),
-      WindowStep(kMainUiClass, 0x50000000, {0, 125, 400, 460}, 5001, L"couldn't create active users scroll window - "),
+      TextStep(L"Another user is viewing this file", {20, 20, 360, 30}, ControlId::ViewingTitle,
+               ColourRole::ViewingTitle, FontRole::DefaultBold, L"couldn't create active users title - "),
+      TextStep(L"If they make changes, we'll let you know.", {20, 50, 360, 25}, ControlId::Description,
+               ColourRole::BodyText, FontRole::Body, L"couldn't create active users description - "),
+      TextStep(kHyphens111, {0, 70, 400, 25}, ControlId::Rule, ColourRole::Rule, FontRole::None,
+               L"couldn't create active users line1 - "),
+      TextStep(L"LIVE MEMBERS ( 1 )", {20, 100, 360, 25}, ControlId::Description, ColourRole::BodyText,
+               FontRole::Section, L"couldn't create active users live members header - "),
+      WindowStep(kMainUiClass, 0x50000000, {0, 125, 400, 460}, ControlId::List,
+                 L"couldn't create active users scroll window - "),
   };
   Append(expected, Row(15, L"cat", L"Cat", false));
-  Append(expected,
-         {
-             ResizeChildStep(kList, {0, 125, 400, 55}, L"couldn't update active users scroll window size - "),
-             TextStep(kHyphens111, {0, 190, 400, 25}, 1005, FontRole::None, L"couldn't create active users line3 - "),
-             LinkStep(kLearnMore, {20, 215, 80, 20}, L"couldn't create active users learn more - "),
-             ButtonStep(L"Hide", {120, 215, 40, 20}, 3014, L"couldn't create active users hide button - "),
-         });
+  Append(expected, {
+                       ResizeChildStep(kList, {0, 125, 400, 55}, L"couldn't update active users scroll window size - "),
+                       TextStep(kHyphens111, {0, 190, 400, 25}, ControlId::Rule, ColourRole::Rule, FontRole::None,
+                                L"couldn't create active users line3 - "),
+                       LinkStep(kLearnMore, {20, 215, 80, 20}, L"couldn't create active users learn more - "),
+                       ButtonStep(L"Hide", {120, 215, 40, 20}, ControlId::Hide, ButtonLook::Quiet, ButtonShape::Rounded,
+                                  L"couldn't create active users hide button - "),
+                   });
   ExpectSteps(layout.steps, expected);
   EXPECT_EQ(layout.height, 250);
 }
@@ -133,7 +143,8 @@ TEST(ActiveUsersPanel, ListsOneViewerWithoutTheSectionWhenTheNameIsEmpty) {
 TEST(ActiveUsersPanel, TitlesSeveralViewersAsMultipleWithTheShortAdvice) {
   const PanelLayout layout = ActiveUsersPanelLayout(L"", L"", L"", {}, Viewers(2));
   EXPECT_EQ(layout.steps[0].text, L"Multiple users are viewing this file");
-  EXPECT_EQ(layout.steps[0].id, 1002);
+  EXPECT_EQ(layout.steps[0].id, ControlId::ViewingTitle);
+  EXPECT_EQ(layout.steps[0].colour, ColourRole::ViewingTitle);
   EXPECT_EQ(layout.steps[1].text, L"If they make changes, we'll let you know.");
   EXPECT_EQ(layout.steps[1].height, 25);
 }
@@ -141,7 +152,8 @@ TEST(ActiveUsersPanel, TitlesSeveralViewersAsMultipleWithTheShortAdvice) {
 TEST(ActiveUsersPanel, TitlesSeveralEditorsAsMultipleWithThePluralAdvice) {
   const PanelLayout layout = ActiveUsersPanelLayout(L"", L"", L"", {{L"e-1", L"One"}, {L"e-2", L"Two"}}, Viewers(1));
   EXPECT_EQ(layout.steps[0].text, L"Multiple users are editing this file");
-  EXPECT_EQ(layout.steps[0].id, 1003);
+  EXPECT_EQ(layout.steps[0].id, ControlId::EditingTitle);
+  EXPECT_EQ(layout.steps[0].colour, ColourRole::EditingTitle);
   EXPECT_EQ(layout.steps[1].text,
             L"Please avoid editing now, as it may create multiple versions. Check with other users for more details.");
   EXPECT_EQ(layout.steps[1].height, 50);
@@ -184,7 +196,7 @@ TEST(ActiveUsersPanel, GivesEightMembersAPlainListOfFourHundredFortyFiveWithTheS
 
 TEST(ActiveUsersPanel, GivesNineMembersAScrollingListHeldAtFourHundredSixty) {
   const PanelLayout layout = ActiveUsersPanelLayout(L"", L"", L"", {}, Viewers(9));
-  EXPECT_EQ(layout.steps[kList], WindowStep(kVerWhiteScrollUiClass, 0x50200000, {0, 125, 400, 460}, 5001,
+  EXPECT_EQ(layout.steps[kList], WindowStep(kVerWhiteScrollUiClass, 0x50200000, {0, 125, 400, 460}, ControlId::List,
                                             L"couldn't create active users scroll window - "));
   EXPECT_EQ(layout.steps[kList].className, kVerWhiteScrollUiClass);
   EXPECT_EQ(FindResize(layout), nullptr);
@@ -210,21 +222,25 @@ TEST(ActiveUsersPanel, KeepsNineMembersWithTheSectionScrollingAtFourHundredSixty
 
 TEST(ActiveUsersPanel, BuildsWithNoMemberAtAllWithEmptyTitleAndAdvice) {
   const PanelLayout layout = ActiveUsersPanelLayout(L"", L"", L"", {}, {});
-  ExpectSteps(
-      layout.steps,
-      {
-          TextStep(L"", {20, 20, 360, 30}, 1002, FontRole::DefaultBold, L"couldn't create active users title - "),
-          TextStep(L"", {20, 50, 360, 25}, 1004, FontRole::Body, L"couldn't create active users description - "),
-          TextStep(kHyphens111, {0, 70, 400, 25}, 1005, FontRole::None, L"couldn't create active users line1 - "),
-          TextStep(L"LIVE MEMBERS ( 0 )", {20, 100, 360, 25}, 1004, FontRole::Section,
-                   L"couldn't create active users live members header - "),
-          WindowStep(kMainUiClass, 0x50000000, {0, 125, 400, 460}, 5001,
-                     L"couldn't create active users scroll window - "),
-          ResizeChildStep(kList, {0, 125, 400, 0}, L"couldn't update active users scroll window size - "),
-          TextStep(kHyphens111, {0, 135, 400, 25}, 1005, FontRole::None, L"couldn't create active users line3 - "),
-          LinkStep(kLearnMore, {20, 160, 80, 20}, L"couldn't create active users learn more - "),
-          ButtonStep(L"Hide", {120, 160, 40, 20}, 3014, L"couldn't create active users hide button - "),
-      });
+  ExpectSteps(layout.steps,
+              {
+                  TextStep(L"", {20, 20, 360, 30}, ControlId::ViewingTitle, ColourRole::ViewingTitle,
+                           FontRole::DefaultBold, L"couldn't create active users title - "),
+                  TextStep(L"", {20, 50, 360, 25}, ControlId::Description, ColourRole::BodyText, FontRole::Body,
+                           L"couldn't create active users description - "),
+                  TextStep(kHyphens111, {0, 70, 400, 25}, ControlId::Rule, ColourRole::Rule, FontRole::None,
+                           L"couldn't create active users line1 - "),
+                  TextStep(L"LIVE MEMBERS ( 0 )", {20, 100, 360, 25}, ControlId::Description, ColourRole::BodyText,
+                           FontRole::Section, L"couldn't create active users live members header - "),
+                  WindowStep(kMainUiClass, 0x50000000, {0, 125, 400, 460}, ControlId::List,
+                             L"couldn't create active users scroll window - "),
+                  ResizeChildStep(kList, {0, 125, 400, 0}, L"couldn't update active users scroll window size - "),
+                  TextStep(kHyphens111, {0, 135, 400, 25}, ControlId::Rule, ColourRole::Rule, FontRole::None,
+                           L"couldn't create active users line3 - "),
+                  LinkStep(kLearnMore, {20, 160, 80, 20}, L"couldn't create active users learn more - "),
+                  ButtonStep(L"Hide", {120, 160, 40, 20}, ControlId::Hide, ButtonLook::Quiet, ButtonShape::Rounded,
+                             L"couldn't create active users hide button - "),
+              });
   EXPECT_EQ(layout.height, 195);
 }
 
@@ -300,7 +316,8 @@ TEST(ActiveUsersPanel, ShowsTheFirstFiftyOfFiveThousandThenHowManyMore) {
   EXPECT_EQ(layout.steps[3].text, L"LIVE MEMBERS ( 5000 )");
   EXPECT_EQ(RowsInList(layout), 50u * 4 + 1);
   const LayoutStep& more = layout.steps[kList + 50 * 4 + 1];
-  EXPECT_EQ(more, InsideOf(kList, TextStep(L"and 4,950 more", {20, 15 + 55 * 50, 360, 20}, 2004, FontRole::Body,
+  EXPECT_EQ(more, InsideOf(kList, TextStep(L"and 4,950 more", {20, 15 + 55 * 50, 360, 20}, ControlId::MemberRow,
+                                           ColourRole::MemberRow, FontRole::Body,
                                            L"couldn't create active users more members - ")));
   // The fiftieth row is the fiftieth viewer in the list's order.
   const MemberNames viewers = Viewers(5000);

@@ -19,20 +19,26 @@ void ExpectSteps(const std::vector<LayoutStep>& actual, const std::vector<Layout
 }
 
 LayoutStep Description(const wchar_t* text, int height) {
-  return TextStep(text, {20, 20, 400, height}, 0, FontRole::Body, L"couldn't create confirm leave file description - ");
+  return TextStep(text, {20, 20, 400, height}, ControlId::None, ColourRole::Plain, FontRole::Body,
+                  L"couldn't create confirm leave file description - ");
 }
 LayoutStep Note(int y) {
-  return TextStep(L"This may take some time...", {20, y, 200, 25}, 0, FontRole::BodyItalic,
-                  L"couldn't create confirm leave file time taken - ");
+  return TextStep(L"This may take some time...", {20, y, 200, 25}, ControlId::None, ColourRole::Plain,
+                  FontRole::BodyItalic, L"couldn't create confirm leave file time taken - ");
 }
-LayoutStep Yes(const wchar_t* caption, int y, int width, int id) {
-  return ButtonStep(caption, {20, y, width, 40}, id, L"couldn't create confirm leave file yes button - ");
+// The first choice is the main action, rounded except for "Reload".
+LayoutStep Yes(const wchar_t* caption, int y, int width, ControlId id, ButtonShape shape = ButtonShape::Rounded) {
+  return ButtonStep(caption, {20, y, width, 40}, id, ButtonLook::Main, shape,
+                    L"couldn't create confirm leave file yes button - ");
 }
-LayoutStep No(const wchar_t* caption, int x, int y, int width, int id) {
-  return BorderedButtonStep(caption, {x, y, width, 40}, id, L"couldn't create confirm leave file no button - ");
+LayoutStep No(const wchar_t* caption, int x, int y, int width, ControlId id) {
+  return BorderedButtonStep(caption, {x, y, width, 40}, id, ButtonLook::SecondChoice, ButtonShape::Rounded,
+                            L"couldn't create confirm leave file no button - ");
 }
 
 enum Situation { kConflict, kDownload, kRename, kMove };
+int Id(ControlId id) { return static_cast<int>(id); }
+
 PanelLayout Confirm(Situation situation, bool unsaved) {
   return ConfirmLeavePanelLayout(unsaved, situation == kConflict, situation == kDownload, situation == kRename,
                                  situation == kMove);
@@ -45,7 +51,7 @@ TEST(ConfirmLeavePanel, ForAConflictWithoutUnsavedChangesHasOneContinueButtonAtS
   EXPECT_EQ(layout.height, 130);
   ExpectSteps(layout.steps,
               {Description(L"Filewell Sync will close this file and open the Resolve Conflict window.", 40),
-               Yes(L"Continue", 70, 130, 3007)});
+               Yes(L"Continue", 70, 130, ControlId::ContinueToResolve)});
 }
 
 TEST(ConfirmLeavePanel, ForAConflictWithUnsavedChangesAsksToSaveOrDiscard) {
@@ -55,14 +61,15 @@ TEST(ConfirmLeavePanel, ForAConflictWithUnsavedChangesAsksToSaveOrDiscard) {
               {Description(L"Filewell Sync will close this file and open the Resolve Conflict window. Do you want to "
                            L"save your changes before closing this file?",
                            60),
-               Yes(L"Save & Continue", 90, 170, 3008), No(L"Discard & Continue", 210, 90, 170, 3009)});
+               Yes(L"Save & Continue", 90, 170, ControlId::SaveAndResolve),
+               No(L"Discard & Continue", 210, 90, 170, ControlId::DiscardAndResolve)});
 }
 
 TEST(ConfirmLeavePanel, ForADownloadWithoutUnsavedChangesOffersReloadBelowTheNote) {
   const PanelLayout layout = Confirm(kDownload, false);
   EXPECT_EQ(layout.height, 155);
   ExpectSteps(layout.steps, {Description(L"To load the latest version of this file, click \"Reload\".", 40), Note(60),
-                             Yes(L"Reload", 95, 120, 3003)});
+                             Yes(L"Reload", 95, 120, ControlId::Reload, ButtonShape::Square)});
 }
 
 TEST(ConfirmLeavePanel, ForADownloadWithUnsavedChangesPutsTheNoteAtEightyAndTheButtonsAtOneHundredFifteen) {
@@ -72,7 +79,8 @@ TEST(ConfirmLeavePanel, ForADownloadWithUnsavedChangesPutsTheNoteAtEightyAndTheB
               {Description(L"This file has unsaved changes. Do you want to save your changes as a separate copy before "
                            L"reloading this file?",
                            60),
-               Note(80), Yes(L"Save a copy & Reload", 115, 180, 3004), No(L"Discard & Reload", 220, 115, 180, 3005)});
+               Note(80), Yes(L"Save a copy & Reload", 115, 180, ControlId::SaveCopyAndReload),
+               No(L"Discard & Reload", 220, 115, 180, ControlId::DiscardAndReload)});
 }
 
 TEST(ConfirmLeavePanel, ForARenameWithoutUnsavedChangesOffersContinue) {
@@ -81,7 +89,7 @@ TEST(ConfirmLeavePanel, ForARenameWithoutUnsavedChangesOffersContinue) {
   ExpectSteps(
       layout.steps,
       {Description(L"Click \"Continue\" to reload and sync the renamed file from the web to your computer.", 40),
-       Note(70), Yes(L"Continue", 105, 130, 3011)});
+       Note(70), Yes(L"Continue", 105, 130, ControlId::ContinueToFollow)});
 }
 
 TEST(ConfirmLeavePanel, ForARenameWithUnsavedChangesPutsTheNoteAtNinetyAndTheSecondButtonAtTwoHundredTen) {
@@ -91,7 +99,8 @@ TEST(ConfirmLeavePanel, ForARenameWithUnsavedChangesPutsTheNoteAtNinetyAndTheSec
               {Description(L"This file has unsaved changes. Do you want to save your changes before reloading and "
                            L"syncing the renamed file from the web to your computer?",
                            60),
-               Note(90), Yes(L"Save & Continue", 125, 170, 3012), No(L"Discard & Continue", 210, 125, 170, 3013)});
+               Note(90), Yes(L"Save & Continue", 125, 170, ControlId::SaveAndFollow),
+               No(L"Discard & Continue", 210, 125, 170, ControlId::DiscardAndFollow)});
 }
 
 TEST(ConfirmLeavePanel, ForAMoveWithoutUnsavedChangesTalksOfTheNewLocation) {
@@ -101,7 +110,7 @@ TEST(ConfirmLeavePanel, ForAMoveWithoutUnsavedChangesTalksOfTheNewLocation) {
               {Description(L"Click \"Continue\" to reload and sync the file from the new location on the web to your "
                            L"computer.",
                            40),
-               Note(70), Yes(L"Continue", 105, 130, 3011)});
+               Note(70), Yes(L"Continue", 105, 130, ControlId::ContinueToFollow)});
 }
 
 TEST(ConfirmLeavePanel, ForAMoveWithUnsavedChangesUsesTheRenameButtons) {
@@ -111,7 +120,8 @@ TEST(ConfirmLeavePanel, ForAMoveWithUnsavedChangesUsesTheRenameButtons) {
               {Description(L"This file has unsaved changes. Do you want to save your changes before reloading and "
                            L"syncing the file from the new location on the web to your computer?",
                            60),
-               Note(90), Yes(L"Save & Continue", 125, 170, 3012), No(L"Discard & Continue", 210, 125, 170, 3013)});
+               Note(90), Yes(L"Save & Continue", 125, 170, ControlId::SaveAndFollow),
+               No(L"Discard & Continue", 210, 125, 170, ControlId::DiscardAndFollow)});
 }
 
 TEST(ConfirmLeavePanel, GivesTheSecondButtonABorder) {
@@ -120,8 +130,8 @@ TEST(ConfirmLeavePanel, GivesTheSecondButtonABorder) {
 }
 
 TEST(ConfirmLeavePanel, TriesTheSituationsInTheOrderConflictDownloadRenameMove) {
-  EXPECT_EQ(ConfirmLeavePanelLayout(false, true, true, true, true).steps.back().id, 3007);
-  EXPECT_EQ(ConfirmLeavePanelLayout(false, false, true, true, true).steps.back().id, 3003);
+  EXPECT_EQ(ConfirmLeavePanelLayout(false, true, true, true, true).steps.back().id, ControlId::ContinueToResolve);
+  EXPECT_EQ(ConfirmLeavePanelLayout(false, false, true, true, true).steps.back().id, ControlId::Reload);
   EXPECT_EQ(ConfirmLeavePanelLayout(false, false, false, true, true).steps[0].text,
             L"Click \"Continue\" to reload and sync the renamed file from the web to your computer.");
 }
@@ -149,10 +159,14 @@ TEST(ConfirmLeavePanel, IsAWhiteBorderedPopupWithItsOwnFailureTexts) {
 }
 
 TEST(ConfirmLeaveFirstChoiceIds, NameTheFirstButtonOfEachFormOfEachSituation) {
-  EXPECT_EQ(ConfirmLeaveFirstChoiceIds(true, false, false, false), (std::array<int, 2>{3007, 3008}));
-  EXPECT_EQ(ConfirmLeaveFirstChoiceIds(false, true, false, false), (std::array<int, 2>{3003, 3004}));
-  EXPECT_EQ(ConfirmLeaveFirstChoiceIds(false, false, true, false), (std::array<int, 2>{3011, 3012}));
-  EXPECT_EQ(ConfirmLeaveFirstChoiceIds(false, false, false, true), (std::array<int, 2>{3011, 3012}));
+  EXPECT_EQ(ConfirmLeaveFirstChoiceIds(true, false, false, false),
+            (std::array<int, 2>{Id(ControlId::ContinueToResolve), Id(ControlId::SaveAndResolve)}));
+  EXPECT_EQ(ConfirmLeaveFirstChoiceIds(false, true, false, false),
+            (std::array<int, 2>{Id(ControlId::Reload), Id(ControlId::SaveCopyAndReload)}));
+  EXPECT_EQ(ConfirmLeaveFirstChoiceIds(false, false, true, false),
+            (std::array<int, 2>{Id(ControlId::ContinueToFollow), Id(ControlId::SaveAndFollow)}));
+  EXPECT_EQ(ConfirmLeaveFirstChoiceIds(false, false, false, true),
+            (std::array<int, 2>{Id(ControlId::ContinueToFollow), Id(ControlId::SaveAndFollow)}));
   EXPECT_EQ(ConfirmLeaveFirstChoiceIds(false, false, false, false), (std::array<int, 2>{0, 0}));
 }
 
@@ -161,8 +175,8 @@ TEST(ConfirmLeaveFirstChoiceIds, AreTheFirstButtonsTheLayoutsCreate) {
     const PanelLayout layout = ConfirmLeavePanelLayout(unsaved, false, true, false, false);
     int firstButton = 0;
     for (const LayoutStep& step : layout.steps) {
-      if (step.id >= 3000 && step.id < 4000) {
-        firstButton = step.id;
+      if (step.buttonLook != ButtonLook::None) {
+        firstButton = static_cast<int>(step.id);
         break;
       }
     }

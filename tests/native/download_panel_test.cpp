@@ -26,30 +26,33 @@ void ExpectSize(const PanelLayout& layout, int width, int height, Caller caller 
 }
 
 LayoutStep Title(int x, int width) {
-  return TextStep(L"This file has been modified", {x, 20, width, 25}, 0, FontRole::Title,
-                  L"couldn't create download title - ");
+  return TextStep(L"This file has been modified", {x, 20, width, 25}, ControlId::None, ColourRole::Plain,
+                  FontRole::Title, L"couldn't create download title - ");
 }
 LayoutStep Waiting(int x) {
-  return TextStep(L"Retrieving more details...", {x, 45, 200, 25}, 0, FontRole::WaitItalic,
-                  L"couldn't create download RetrievingMoreDetails - ");
+  return TextStep(L"Retrieving more details...", {x, 45, 200, 25}, ControlId::None, ColourRole::Plain,
+                  FontRole::WaitItalic, L"couldn't create download RetrievingMoreDetails - ");
 }
 std::vector<LayoutStep> Details(int width) {
   return {
       AvatarStep(true, L"ann42", {20, 55, 40, 40}, L"couldn't create last modified by download avatar - "),
-      NameStep(L"Ann Lee", {70, 55, width - 90, 25}, 0, FontRole::Title, L"couldn't create download lastModifiedBy - "),
-      ModifiedOnStep(L"2026-03-01 10:15", {70, 80, width - 90, 25}, 1004, FontRole::Body,
-                     L"couldn't create download description - "),
+      NameStep(L"Ann Lee", {70, 55, width - 90, 25}, ControlId::None, ColourRole::Plain, FontRole::Title,
+               L"couldn't create download lastModifiedBy - "),
+      ModifiedOnStep(L"2026-03-01 10:15", {70, 80, width - 90, 25}, ControlId::Description, ColourRole::BodyText,
+                     FontRole::Body, L"couldn't create download description - "),
   };
 }
 LayoutStep CheckBox(int y, int width) {
-  return CheckBoxStep(L"Save my changes as a separate copy", {20, y, width - 40, 40}, 4001,
+  return CheckBoxStep(L"Save my changes as a separate copy", {20, y, width - 40, 40}, ControlId::SaveSeparateCopy,
                       L"couldn't create save my changes checkbox - ");
 }
 LayoutStep DownloadButton(int x, int y) {
-  return ButtonStep(L"Download latest version", {x, y, 240, 40}, 3001, L"couldn't create download button - ");
+  return ButtonStep(L"Download latest version", {x, y, 240, 40}, ControlId::Download, ButtonLook::Main,
+                    ButtonShape::Square, L"couldn't create download button - ");
 }
 LayoutStep DownloadingButton(int x, int y) {
-  return ButtonStep(L"Downloading...", {x, y, 200, 40}, 3002, L"couldn't create download button - ");
+  return ButtonStep(L"Downloading...", {x, y, 200, 40}, ControlId::Downloading, ButtonLook::Waiting,
+                    ButtonShape::Square, L"couldn't create download button - ");
 }
 LayoutStep Bar(int width, int height) {
   return ProgressBarStep({0, height - 7, width, 7}, L"couldn't create downloading progress bar - ");

@@ -12,6 +12,7 @@
 
 #include "common/office_app.h"
 #include "synclink/answer_apply.h"
+#include "overlay/decision/overlay_kind.h"
 #include "synclink/file_status_cache.h"
 #include "synclink/record_lock.h"
 #include "tests/native/captured_log.h"
@@ -65,7 +66,7 @@ TEST_F(SharedCache, AnAnswerKeepsAUserChoiceMadeWhileTheAnswerWasApplied) {
   });
   cache.UpdateFile(kPath, SyncedAnswer(kPath, L"k3"));
   EXPECT_TRUE(cache.Find(kPath)->choices.Has(UserChoice::retryModify));
-  EXPECT_NE(cache.BuildRequest(L"", 0).find(L"\"retryModify\":true"), std::wstring::npos);
+  EXPECT_NE(cache.BuildRequest(L"", false).find(L"\"retryModify\":true"), std::wstring::npos);
 }
 
 TEST_F(SharedCache, AnAnswerThatChangesTheReportClearsTheDrawnMarkAndCountsAVersion) {
@@ -155,7 +156,7 @@ TEST_F(SharedCache, ClosingARecordBuildsItsClosedRequestAndErasesItInOneStep) {
             L"\"retryDelete\":false,\"file_combo_id\":\"b1\",\"officeApp\":\"1\"}]}");
   EXPECT_FALSE(cache.Contains(other));
   EXPECT_EQ(document.references, 1);
-  EXPECT_EQ(cache.BuildRequest(L"", 0).find(L"budget.xlsx"), std::wstring::npos);
+  EXPECT_EQ(cache.BuildRequest(L"", false).find(L"budget.xlsx"), std::wstring::npos);
   EXPECT_EQ(CapturedMessages(false), std::vector<std::wstring>{L"file info removed from cache - " + other});
 }
 
@@ -198,7 +199,7 @@ TEST(SharedCacheStress, AnswersAndUiWorkNeverLoseAUiFieldNorBringBackARemovedRec
                            {L"all_viewers_names", n % 3 ? L"Vi|Va" : L""}});
       }
       ApplyAnswer(cache, objects);
-      cache.BuildRequest(L"", 0);
+      cache.BuildRequest(L"", false);
       ++answersApplied;
     }
   });
@@ -272,7 +273,7 @@ TEST(SharedCacheStress, AnswersAndUiWorkNeverLoseAUiFieldNorBringBackARemovedRec
   EXPECT_EQ(lostFields, 0);
   EXPECT_EQ(broughtBack, 0);
   EXPECT_FALSE(cache.Contains(removedForGood));
-  EXPECT_EQ(cache.BuildRequest(L"", 0).find(removedForGood), std::wstring::npos);
+  EXPECT_EQ(cache.BuildRequest(L"", false).find(removedForGood), std::wstring::npos);
 }
 
 TEST_F(SharedCache, TheTicksCopyStampsTheOpenDocumentsOnlyAndTakesTheLockOnce) {

@@ -1,5 +1,6 @@
 #include <gtest/gtest.h>
 
+#include "overlay/decision/overlay_kind.h"
 #include "synclink/file_status_cache.h"
 #include "tests/native/captured_log.h"
 #include "tests/native/counting_dispatch.h"
@@ -70,7 +71,7 @@ TEST_F(Cache, KeepsTheReferenceBalancedAcrossUpdatesAndRequests) {
   answer.file_path = L"C:\\a.xlsx";
   answer.is_sync_file = 1;
   cache.UpdateFile(L"C:\\a.xlsx", answer);
-  cache.BuildRequest(L"", 0);
+  cache.BuildRequest(L"", false);
   EXPECT_EQ(workbook.references, 2);
   cache.RemoveFile(L"C:\\a.xlsx");
   EXPECT_EQ(workbook.references, 1);

@@ -97,3 +97,18 @@ TEST(FormatLogLine, WritesAMessageWithLineEndsOnOneLine) {
             L"[2025-03-07 09:04:05.007] Word  pid=11424 E EvntUpdate - "
             L"x\\r\\n[2025-03-07 09:04:05.008] Word  pid=11424 I MainThread - forged");
 }
+
+TEST(FormatLocalTime, SeparatesTheTimeWithColonsForTheLog) {
+  const LocalTimeParts t{2026, 1, 2, 3, 4, 5, 6};
+  EXPECT_EQ(FormatLocalTime(t, L':'), L"2026-01-02 03:04:05.006");
+}
+
+TEST(FormatLocalTime, SeparatesTheTimeWithDotsForAFileName) {
+  const LocalTimeParts t{2026, 11, 15, 22, 24, 3, 7};
+  EXPECT_EQ(FormatLocalTime(t, L'.'), L"2026-11-15 22.24.03.007");
+}
+
+TEST(FormatLocalTime, LeavesTheYearUnpaddedAndWideFieldsWhole) {
+  const LocalTimeParts t{999, 12, 31, 23, 59, 59, 999};
+  EXPECT_EQ(FormatLocalTime(t, L':'), L"999-12-31 23:59:59.999");
+}

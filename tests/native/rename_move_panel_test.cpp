@@ -21,19 +21,24 @@ void ExpectSteps(const std::vector<LayoutStep>& actual, const std::vector<Layout
 std::vector<LayoutStep> Steps(const wchar_t* title, const wchar_t* description, const wchar_t* from, const wchar_t* to,
                               const std::wstring& previous, const std::wstring& next) {
   return {
-      TextStep(title, {20, 20, 360, 25}, 0, FontRole::Title, L"couldn't create rename/move title - "),
-      TextStep(description, {20, 45, 360, 50}, 1004, FontRole::Body, L"couldn't create rename/move description - "),
-      TextStep(from, {20, 95, 360, 25}, 0, FontRole::OverlayTitle, L"couldn't create rename/move FROM label - "),
-      WindowStep(kLightGreyHorScrollUiClass, 0x50100000, previous, {20, 120, 360, 60}, 5001, FontRole::None,
+      TextStep(title, {20, 20, 360, 25}, ControlId::None, ColourRole::Plain, FontRole::Title,
+               L"couldn't create rename/move title - "),
+      TextStep(description, {20, 45, 360, 50}, ControlId::Description, ColourRole::BodyText, FontRole::Body,
+               L"couldn't create rename/move description - "),
+      TextStep(from, {20, 95, 360, 25}, ControlId::None, ColourRole::Plain, FontRole::OverlayTitle,
+               L"couldn't create rename/move FROM label - "),
+      WindowStep(kLightGreyHorScrollUiClass, 0x50100000, previous, {20, 120, 360, 60}, ControlId::List, FontRole::None,
                  L"couldn't create rename/move FROM scroll window - "),
-      TextStep(to, {20, 200, 360, 25}, 0, FontRole::OverlayTitle, L"couldn't create rename/move TO label - "),
-      WindowStep(kLightBlueHorScrollUiClass, 0x50100000, next, {20, 225, 360, 60}, 5002, FontRole::Body,
+      TextStep(to, {20, 200, 360, 25}, ControlId::None, ColourRole::Plain, FontRole::OverlayTitle,
+               L"couldn't create rename/move TO label - "),
+      WindowStep(kLightBlueHorScrollUiClass, 0x50100000, next, {20, 225, 360, 60}, ControlId::NewName, FontRole::Body,
                  L"couldn't create rename/move TO name/path - "),
   };
 }
 
 LayoutStep Reload() {
-  return ButtonStep(L"Reload", {20, 305, 120, 40}, 3010, L"couldn't create rename/move button - ");
+  return ButtonStep(L"Reload", {20, 305, 120, 40}, ControlId::FollowRenameOrMove, ButtonLook::Main,
+                    ButtonShape::Rounded, L"couldn't create rename/move button - ");
 }
 
 const wchar_t kRenamedDescription[] =

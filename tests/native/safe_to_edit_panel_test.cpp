@@ -31,17 +31,19 @@ TEST(SafeToEditPanel, WithoutAnIdentifierIsOneHundredFiftyHighWithTheRuleAtEight
   EXPECT_EQ(layout.width, 400);
   EXPECT_EQ(layout.height, 150);
   EXPECT_EQ(layout.createHeight, 150);
-  ExpectSteps(
-      layout.steps,
-      {
-          TextStep(L"No active collaborators", {15, 15, 370, 25}, 1001, FontRole::DefaultBold,
-                   L"couldn't create safe to edit title - "),
-          TextStep(L"No other users are currently viewing or editing this file. You can safely make changes.",
-                   {15, 45, 370, 40}, 1004, FontRole::Body, L"couldn't create safe to edit description - "),
-          TextStep(kUnderscores78, {0, 85, 400, 20}, 1005, FontRole::None, L"couldn't create safe to edit line2 - "),
-          LinkStep(kLearnMore, {20, 115, 80, 20}, L"couldn't create safe to edit learn more - "),
-          ButtonStep(L"Hide", {120, 115, 40, 20}, 3014, L"couldn't create safe to edit hide button - "),
-      });
+  ExpectSteps(layout.steps,
+              {
+                  TextStep(L"No active collaborators", {15, 15, 370, 25}, ControlId::Title, ColourRole::Plain,
+                           FontRole::DefaultBold, L"couldn't create safe to edit title - "),
+                  TextStep(L"No other users are currently viewing or editing this file. You can safely make changes.",
+                           {15, 45, 370, 40}, ControlId::Description, ColourRole::BodyText, FontRole::Body,
+                           L"couldn't create safe to edit description - "),
+                  TextStep(kUnderscores78, {0, 85, 400, 20}, ControlId::Rule, ColourRole::Rule, FontRole::None,
+                           L"couldn't create safe to edit line2 - "),
+                  LinkStep(kLearnMore, {20, 115, 80, 20}, L"couldn't create safe to edit learn more - "),
+                  ButtonStep(L"Hide", {120, 115, 40, 20}, ControlId::Hide, ButtonLook::Quiet, ButtonShape::Rounded,
+                             L"couldn't create safe to edit hide button - "),
+              });
 }
 
 TEST(SafeToEditPanel, WithAnIdentifierIsTwoHundredFiftyHighWithTheLastModifiedSection) {
@@ -52,21 +54,25 @@ TEST(SafeToEditPanel, WithAnIdentifierIsTwoHundredFiftyHighWithTheLastModifiedSe
   ExpectSteps(
       layout.steps,
       {
-          TextStep(L"No active collaborators", {15, 15, 370, 25}, 1001, FontRole::DefaultBold,
-                   L"couldn't create safe to edit title - "),
+          TextStep(L"No active collaborators", {15, 15, 370, 25}, ControlId::Title, ColourRole::Plain,
+                   FontRole::DefaultBold, L"couldn't create safe to edit title - "),
           TextStep(L"No other users are currently viewing or editing this file. You can safely make changes.",
-                   {15, 45, 370, 40}, 1004, FontRole::Body, L"couldn't create safe to edit description - "),
-          TextStep(kUnderscores78, {0, 85, 400, 20}, 1005, FontRole::None, L"couldn't create safe to edit line1 - "),
-          TextStep(L"LAST MODIFIED BY", {20, 115, 360, 25}, 1004, FontRole::Section,
-                   L"couldn't create safe to edit last modified by header - "),
+                   {15, 45, 370, 40}, ControlId::Description, ColourRole::BodyText, FontRole::Body,
+                   L"couldn't create safe to edit description - "),
+          TextStep(kUnderscores78, {0, 85, 400, 20}, ControlId::Rule, ColourRole::Rule, FontRole::None,
+                   L"couldn't create safe to edit line1 - "),
+          TextStep(L"LAST MODIFIED BY", {20, 115, 360, 25}, ControlId::Description, ColourRole::BodyText,
+                   FontRole::Section, L"couldn't create safe to edit last modified by header - "),
           AvatarStep(true, L"8f3a2c", {20, 145, 40, 40}, L"couldn't create safe to edit last modified by avatar - "),
-          NameStep(L"Ann Lee", {75, 145, 305, 20}, 0, FontRole::Title,
-                           L"couldn't create safe to edit lastModifiedBy name - "),
-          ModifiedOnStep(L"2026-03-01 10:15", {75, 165, 305, 20}, 1004, FontRole::Body,
-                   L"couldn't create safe to edit lastModifiedTime - "),
-          TextStep(kUnderscores78, {0, 185, 400, 20}, 1005, FontRole::None, L"couldn't create safe to edit line2 - "),
+          NameStep(L"Ann Lee", {75, 145, 305, 20}, ControlId::None, ColourRole::Plain, FontRole::Title,
+                   L"couldn't create safe to edit lastModifiedBy name - "),
+          ModifiedOnStep(L"2026-03-01 10:15", {75, 165, 305, 20}, ControlId::Description, ColourRole::BodyText,
+                         FontRole::Body, L"couldn't create safe to edit lastModifiedTime - "),
+          TextStep(kUnderscores78, {0, 185, 400, 20}, ControlId::Rule, ColourRole::Rule, FontRole::None,
+                   L"couldn't create safe to edit line2 - "),
           LinkStep(kLearnMore, {20, 215, 80, 20}, L"couldn't create safe to edit learn more - "),
-          ButtonStep(L"Hide", {120, 215, 40, 20}, 3014, L"couldn't create safe to edit hide button - "),
+          ButtonStep(L"Hide", {120, 215, 40, 20}, ControlId::Hide, ButtonLook::Quiet, ButtonShape::Rounded,
+                     L"couldn't create safe to edit hide button - "),
       });
 }
 

@@ -39,6 +39,7 @@ void ExpectWindow(const PanelLayout& layout, const wchar_t* className, std::uint
 
 LayoutStep OnTheLoadingBlue(LayoutStep step) {
   step.backdrop = 0x00B46E19;  // RGB(25, 110, 180) as a COLORREF
+  step.colour = ColourRole::LoadingStrip;
   return step;
 }
 
@@ -58,12 +59,13 @@ TEST(NoInternetOverlay, IsAWhiteBorderedStripWithTheDriveAndItsTitle) {
   const PanelLayout layout = NoInternetOverlayLayout();
   ExpectWindow(layout, kMainUiClass, 0x80800000, 0, 235, 48, L"couldn't create no internet main overlay UI - ",
                L"creating no internet office overlay UI");
-  ExpectSteps(layout.steps, {
-                                ImageStep(ImageRole::DriveBitmap, {16, 10, 28, 28}, 0,
-                                          L"couldn't create drive image in no internet connection - "),
-                                TextStep(L"No Internet Connection", {54, 16, 167, 21}, 0, FontRole::OverlayTitle,
-                                         L"couldn't create no internet title - "),
-                            });
+  ExpectSteps(layout.steps,
+              {
+                  ImageStep(ImageRole::DriveBitmap, {16, 10, 28, 28}, ControlId::None,
+                            L"couldn't create drive image in no internet connection - "),
+                  TextStep(L"No Internet Connection", {54, 16, 167, 21}, ControlId::None, ColourRole::Plain,
+                           FontRole::OverlayTitle, L"couldn't create no internet title - "),
+              });
   EXPECT_EQ(layout.steps[0].style, 0x5000004Eu);
 }
 
@@ -71,14 +73,25 @@ TEST(LoadingOverlay, IsABlueStripWithTheDriveAnOwnerDrawnTitleAndAMarqueeAlongTh
   const PanelLayout layout = LoadingOverlayLayout();
   ExpectWindow(layout, kBlueUiClass, 0x80000000, 0, 184, 58, L"couldn't create loading main overlay UI - ",
                L"creating loading office overlay UI");
-  ExpectSteps(layout.steps, {
-                                OnTheLoadingBlue(ImageStep(ImageRole::DriveBitmap, {12, 10, 32, 32}, 2001,
-                                          L"couldn't create drive image in loading main office overlay UI - ")),
-                                OwnerDrawnTextStep(L"Qelvo Filewell", {54, 14, 116, 21}, 2001, FontRole::OverlayTitle,
-                                                   L"couldn't create app title in loading main office overlay UI- "),
-                                ProgressBarStep({0, 52, 184, 6}, L"couldn't create loading progress bar - "),
-                            });
+  ExpectSteps(
+      layout.steps,
+      {
+          OnTheLoadingBlue(ImageStep(ImageRole::DriveBitmap, {12, 10, 32, 32}, ControlId::None,
+                                     L"couldn't create drive image in loading main office overlay UI - ")),
+          OwnerDrawnTextStep(L"Qelvo Filewell", {54, 14, 116, 21}, ControlId::LoadingTitle, ColourRole::LoadingStrip,
+                             FontRole::OverlayTitle, L"couldn't create app title in loading main office overlay UI- "),
+          ProgressBarStep({0, 52, 184, 6}, L"couldn't create loading progress bar - "),
+      });
   EXPECT_EQ(layout.steps[1].style, 0x5000000Du);
   EXPECT_EQ(layout.steps[2].style, 0x50000008u);
   EXPECT_TRUE(layout.steps[2].startMarquee);
+}
+
+TEST(LoadingOverlay, GivesItsTitleTheStripsOneIdAndThePictureNone) {
+  // An id names one control in its window: the picture beside the title
+  // once shared the title's, so a look-up by id could find either.
+  const PanelLayout layout = LoadingOverlayLayout();
+  EXPECT_EQ(layout.steps.at(0).id, ControlId::None);
+  EXPECT_EQ(layout.steps.at(1).id, ControlId::LoadingTitle);
+  EXPECT_EQ(static_cast<int>(ControlId::LoadingTitle), 2001);
 }

@@ -70,7 +70,7 @@ TEST(GrowLayoutToFitTexts, LengthensADescriptionAndPushesEverythingBelowAndThePa
 
 TEST(GrowLayoutToFitTexts, GrowsATextUntilItClearsTheRuleThatStartsInsideIt) {
   // Advice of 50 at 50, the rule at 95 (inside the advice), a heading below.
-  LayoutStep rule = TextStep(L"----", {0, 95, 400, 25}, kRuleControlId, FontRole::None, L"r - ");
+  LayoutStep rule = TextStep(L"----", {0, 95, 400, 25}, ControlId::Rule, FontRole::None, L"r - ");
   const PanelLayout designed = Panel(400, 200, {Text(20, 50, 360, 50), rule, Text(20, 125, 360, 25)});
   // Two lines (34) end above the rule: nothing moves.
   const PanelLayout twoLines = GrowLayoutToFitTexts(designed, {{348, 34}, {0, 0}, {0, 0}});
@@ -159,7 +159,7 @@ TEST(MeasureOf, TellsHowEachKindOfTextIsMeasured) {
             MeasureOf(OwnerDrawnTextStep(L"Qelvo Filewell", {0, 0, 116, 21}, 2001, FontRole::OverlayTitle, L"o - "), 17));
   EXPECT_EQ(TextMeasure::CheckBoxLine, MeasureOf(CheckBoxStep(L"Save", {0, 0, 360, 40}, 4001, L"c - "), 17));
   EXPECT_EQ(TextMeasure::LineHeight, MeasureOf(NameStep(L"Ann Lee", {0, 0, 305, 20}, 0, FontRole::Title, L"n - "), 19));
-  LayoutStep rule = TextStep(L"______", {0, 85, 400, 20}, kRuleControlId, FontRole::None, L"r - ");
+  LayoutStep rule = TextStep(L"______", {0, 85, 400, 20}, ControlId::Rule, FontRole::None, L"r - ");
   EXPECT_EQ(TextMeasure::None, MeasureOf(rule, 16));
   EXPECT_EQ(TextMeasure::None, MeasureOf(ImageStep(ImageRole::ErrorIcon, {0, 0, 21, 21}, 0, L"i - "), 16));
   EXPECT_EQ(TextMeasure::None,

@@ -49,12 +49,14 @@ TEST(ConflictPanel, ShowsTitleWarningSignDescriptionAndResolveButton) {
   ExpectSteps(
       ConflictPanelLayout().steps,
       {
-          TextStep(L"File conflict occurred", {20, 20, 360, 25}, 0, FontRole::Title,
+          TextStep(L"File conflict occurred", {20, 20, 360, 25}, ControlId::None, ColourRole::Plain, FontRole::Title,
                    L"couldn't create conflict title - "),
-          IconStep(ImageRole::WarningIcon, {20, 50, 40, 40}, 0, L"couldn't create conflict warn icon - "),
+          IconStep(ImageRole::WarningIcon, {20, 50, 40, 40}, ControlId::None, L"couldn't create conflict warn icon - "),
           TextStep(L"This file currently has a different version on the web compared to your computer.",
-                   {70, 55, 310, 40}, 1004, FontRole::Body, L"couldn't create conflict description - "),
-          ButtonStep(L"Resolve conflict", {20, 110, 170, 40}, 3006, L"couldn't create resolve conflict button - "),
+                   {70, 55, 310, 40}, ControlId::Description, ColourRole::BodyText, FontRole::Body,
+                   L"couldn't create conflict description - "),
+          ButtonStep(L"Resolve conflict", {20, 110, 170, 40}, ControlId::ResolveConflict, ButtonLook::Main,
+                     ButtonShape::Rounded, L"couldn't create resolve conflict button - "),
       });
 }
 
@@ -68,14 +70,16 @@ TEST(DeletePanel, PutsTheNoteInsideTheGreyBoxAndHasNoButton) {
   ExpectSteps(
       DeletePanelLayout().steps,
       {
-          TextStep(L"This file has been deleted", {20, 20, 360, 25}, 0, FontRole::Title,
-                   L"couldn't create delete title - "),
+          TextStep(L"This file has been deleted", {20, 20, 360, 25}, ControlId::None, ColourRole::Plain,
+                   FontRole::Title, L"couldn't create delete title - "),
           TextStep(L"Please close this file so that we can delete it on your computer. This file will not be "
                    L"available anymore.",
-                   {20, 45, 360, 40}, 1004, FontRole::Body, L"couldn't create delete description - "),
-          WindowStep(kLightGreyUiClass, 0x50000000, {20, 95, 360, 60}, 0, L"couldn't create delete NOTE window - "),
+                   {20, 45, 360, 40}, ControlId::Description, ColourRole::BodyText, FontRole::Body,
+                   L"couldn't create delete description - "),
+          WindowStep(kLightGreyUiClass, 0x50000000, {20, 95, 360, 60}, ControlId::None,
+                     L"couldn't create delete NOTE window - "),
           InsideOf(2, TextStep(L"Note: If you want a copy of this file, go to File -> Save As.", {10, 10, 340, 40},
-                               2002, FontRole::Body, L"couldn't create delete NOTE - ")),
+                               ControlId::Note, ColourRole::Note, FontRole::Body, L"couldn't create delete NOTE - ")),
       });
   EXPECT_EQ(DeletePanelLayout().steps[2].className, kLightGreyUiClass);
 }
@@ -83,25 +87,27 @@ TEST(DeletePanel, PutsTheNoteInsideTheGreyBoxAndHasNoButton) {
 TEST(ErrorMessagePanel, IsOneHundredTenHighWithTheLinkWhenReadOnly) {
   const PanelLayout layout = ErrorMessagePanelLayout(true);
   ExpectWindow(layout, 440, 110, L"error msg sub overlay UI");
-  ExpectSteps(
-      layout.steps,
-      {
-          ImageStep(ImageRole::ErrorIcon, {20, 20, 21, 21}, 0, L"couldn't create error msg exclamation icon - "),
-          TextStep(L"You can't make changes to this file, because the file has a read-only permission level.",
-                   {51, 20, 369, 40}, 1004, FontRole::Body, L"couldn't create error msg description - "),
-          LinkStep(kRolesLink, {51, 70, 369, 20}, L"couldn't create error msg learn more - "),
-      });
+  ExpectSteps(layout.steps,
+              {
+                  ImageStep(ImageRole::ErrorIcon, {20, 20, 21, 21}, ControlId::None,
+                            L"couldn't create error msg exclamation icon - "),
+                  TextStep(L"You can't make changes to this file, because the file has a read-only permission level.",
+                           {51, 20, 369, 40}, ControlId::Description, ColourRole::BodyText, FontRole::Body,
+                           L"couldn't create error msg description - "),
+                  LinkStep(kRolesLink, {51, 70, 369, 20}, L"couldn't create error msg learn more - "),
+              });
 }
 
 TEST(ErrorMessagePanel, IsEightyHighWithoutALinkForASaveError) {
   const PanelLayout layout = ErrorMessagePanelLayout(false);
   ExpectWindow(layout, 440, 80, L"error msg sub overlay UI");
-  ExpectSteps(
-      layout.steps,
-      {
-          ImageStep(ImageRole::ErrorIcon, {20, 20, 21, 21}, 0, L"couldn't create error msg exclamation icon - "),
-          TextStep(L"An error occurred while saving the file. Please ensure you have sufficient privileges "
-                   L"and try again.",
-                   {51, 20, 369, 40}, 1004, FontRole::Body, L"couldn't create error msg description - "),
-      });
+  ExpectSteps(layout.steps,
+              {
+                  ImageStep(ImageRole::ErrorIcon, {20, 20, 21, 21}, ControlId::None,
+                            L"couldn't create error msg exclamation icon - "),
+                  TextStep(L"An error occurred while saving the file. Please ensure you have sufficient privileges "
+                           L"and try again.",
+                           {51, 20, 369, 40}, ControlId::Description, ColourRole::BodyText, FontRole::Body,
+                           L"couldn't create error msg description - "),
+              });
 }

@@ -172,7 +172,7 @@ TEST_F(UndeliveredClosesInCache, TheCloseRequestIsUnchangedAndTheCloseIsKept) {
   EXPECT_EQ(UpdateRequest(carried), L"{\"files\":[]}");
   EXPECT_TRUE(carried.empty());
   // The UI's requests never carry it; only the update thread's do.
-  EXPECT_EQ(cache.BuildRequest(L"", 0), L"{\"files\":[]}");
+  EXPECT_EQ(cache.BuildRequest(L"", false), L"{\"files\":[]}");
 }
 
 TEST_F(UndeliveredClosesInCache, AnAnsweredCloseIsNotCarriedByTheUpdateRequest) {

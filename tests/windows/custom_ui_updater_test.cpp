@@ -483,7 +483,7 @@ TEST_F(CustomUiTick, AFileThatIsNotTheActiveOneKeepsItsWindowsHidden) {
   EXPECT_EQ(hidden.subOverlayWindow, shown.subOverlayWindow);
   EXPECT_FALSE(IsWindowVisible(hidden.badgeWindow));
   EXPECT_FALSE(IsWindowVisible(hidden.subOverlayWindow));
-  EXPECT_EQ(hidden.overlayKind, 8);
+  EXPECT_EQ(static_cast<OverlayKind>(hidden.overlayKind), OverlayKind::ViewingOnly);
 }
 
 TEST_F(CustomUiTick, AFileActiveAgainShowsItsBadgeButLeavesItsPanelClosed) {
@@ -576,10 +576,11 @@ TEST_F(CustomUiTick, TheUnsavedStateTheTickReadsGoesIntoTheNextRequest) {
   const std::wstring path = ShowAfterOneTick(L"edited", QuietAnswer());
   Document(path)->MarkEdited();
   Tick();
-  EXPECT_EQ(TheFileStatusCache().BuildRequest(L"", 0),
-            L"{\"files\":[{\"filepath\":\"" + path +
-                L"\",\"isOpen\":true,\"isEditing\":true,\"resolveConflict\":false,\"retryModify\":false,"
-                L"\"retryRenameOrMove\":false,\"retryDelete\":false,\"file_combo_id\":\"f-1001\",\"officeApp\":\"1\"}]}");
+  EXPECT_EQ(
+      TheFileStatusCache().BuildRequest(L"", false),
+      L"{\"files\":[{\"filepath\":\"" + path +
+          L"\",\"isOpen\":true,\"isEditing\":true,\"resolveConflict\":false,\"retryModify\":false,"
+          L"\"retryRenameOrMove\":false,\"retryDelete\":false,\"file_combo_id\":\"f-1001\",\"officeApp\":\"1\"}]}");
 }
 
 TEST_F(CustomUiTick, ADocumentThatCannotSayWhetherItHoldsChangesIsDroppedWithItsWindows) {
@@ -612,7 +613,7 @@ TEST_F(CustomUiTick, ADownloadedFileWithUnsavedChangesOffersToKeepThemAsASeparat
   answer.is_download_present = L"Downloaded";
   Answer(document->fullName(), answer);
   Tick();
-  const HWND box = ChildWithId(PanelOf(document->fullName()), 4001);
+  const HWND box = ChildWithId(PanelOf(document->fullName()), ControlId::SaveSeparateCopy);
   ASSERT_NE(box, nullptr);
   EXPECT_TRUE(HasChildText(PanelOf(document->fullName()), L"Save my changes as a separate copy"));
   EXPECT_EQ(SendMessageW(box, BM_GETCHECK, 0, 0), BST_UNCHECKED);
@@ -1055,7 +1056,7 @@ TEST_P(TickInEveryHost, AModifiedDocumentClosedWithoutSavingIsDroppedByTheNextTi
   EXPECT_FALSE(IsWindow(shown.subOverlayWindow));
   // Reported as closed; no sync app runs here to hear it.
   EXPECT_EQ(ErrorMessages(), std::vector<std::string>{PipeError()});
-  EXPECT_EQ(TheFileStatusCache().BuildRequest(L"", 0), RequestFor(kept->fullName()));
+  EXPECT_EQ(TheFileStatusCache().BuildRequest(L"", false), RequestFor(kept->fullName()));
 }
 
 TEST_P(TickInEveryHost, WithNoDocumentLeftTheTickStillDropsEveryClosedDocument) {
@@ -1075,7 +1076,7 @@ TEST_P(TickInEveryHost, WithNoDocumentLeftTheTickStillDropsEveryClosedDocument) 
   EXPECT_EQ(ErrorMessages(), (std::vector<std::string>{PipeError(), PipeError()}));
   (void)firstPath;
   (void)secondPath;
-  EXPECT_EQ(TheFileStatusCache().BuildRequest(L"", 0), L"{\"files\":[]}");
+  EXPECT_EQ(TheFileStatusCache().BuildRequest(L"", false), L"{\"files\":[]}");
 }
 
 TEST_P(TickInEveryHost, WithNoDocumentOpenTheTickEndsNormally) {

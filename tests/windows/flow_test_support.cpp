@@ -82,7 +82,7 @@ std::vector<PanelChild> PanelChildrenOf(HWND panel) {
     GetClassNameW(child, className, static_cast<int>(std::size(className)));
     found.className = className;
     found.text = WindowTextOf(child);
-    found.id = GetDlgCtrlID(child);
+    found.id = static_cast<ControlId>(GetDlgCtrlID(child));
     found.style = static_cast<DWORD>(GetWindowLongPtrW(child, GWL_STYLE));
     GetWindowRect(child, &found.rect);
     MapWindowPoints(nullptr, panel, reinterpret_cast<POINT*>(&found.rect), 2);
@@ -100,7 +100,8 @@ std::string DescribePanel(HWND panel) {
   std::string text = std::to_string(size.cx) + " x " + std::to_string(size.cy) +
                      (IsWindowVisible(panel) ? ", shown:" : ", hidden:");
   for (const PanelChild& child : PanelChildrenOf(panel)) {
-    text += "\n  " + ToUtf8(child.className) + " " + std::to_string(child.id) + " \"" + ToUtf8(child.text) + "\"";
+    text += "\n  " + ToUtf8(child.className) + " " + std::to_string(static_cast<int>(child.id)) + " \"" +
+            ToUtf8(child.text) + "\"";
   }
   return text;
 }
@@ -111,8 +112,8 @@ SIZE WindowSizeOf(HWND window) {
   return {rect.right - rect.left, rect.bottom - rect.top};
 }
 
-std::vector<int> ButtonIdsOf(HWND panel) {
-  std::vector<int> ids;
+std::vector<ControlId> ButtonIdsOf(HWND panel) {
+  std::vector<ControlId> ids;
   for (const PanelChild& child : PanelChildrenOf(panel)) {
     if (lstrcmpiW(child.className.c_str(), L"Button") == 0) ids.push_back(child.id);
   }
@@ -218,7 +219,8 @@ HWND OfficeFlow::BadgeOf(const std::wstring& path) {
   return state ? state->badgeWindow : nullptr;
 }
 
-void OfficeFlow::Press(HWND panel, int id, Caller caller) {
+void OfficeFlow::Press(HWND panel, ControlId control, Caller caller) {
+  const int id = static_cast<int>(control);
   TRACE_CALLER(caller);
   ASSERT_NE(panel, nullptr) << "no panel to press " << id << " on";
   ASSERT_TRUE(IsWindowVisible(panel)) << "the panel with " << id << " is not on screen: " << DescribePanel(panel);
@@ -228,7 +230,8 @@ void OfficeFlow::Press(HWND panel, int id, Caller caller) {
   Pump();
 }
 
-void OfficeFlow::Click(HWND panel, int id, Caller caller) {
+void OfficeFlow::Click(HWND panel, ControlId control, Caller caller) {
+  const int id = static_cast<int>(control);
   TRACE_CALLER(caller);
   ASSERT_NE(panel, nullptr) << "no panel to click " << id << " on";
   ASSERT_TRUE(IsWindowVisible(panel)) << "the panel with " << id << " is not on screen: " << DescribePanel(panel);
@@ -238,7 +241,8 @@ void OfficeFlow::Click(HWND panel, int id, Caller caller) {
   Pump();
 }
 
-void OfficeFlow::Check(HWND panel, int id, Caller caller) {
+void OfficeFlow::Check(HWND panel, ControlId control, Caller caller) {
+  const int id = static_cast<int>(control);
   TRACE_CALLER(caller);
   ASSERT_NE(panel, nullptr);
   HWND box = GetDlgItem(panel, id);

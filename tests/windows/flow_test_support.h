@@ -15,9 +15,11 @@
 #include <vector>
 
 #include "addin/event_sinks.h"
+#include "overlay/layouts/control_id.h"
 #include "tests/caller.h"
 #include "tests/windows/in_process_host.h"
 #include "tests/windows/sync_sim_process.h"
+#include "tests/windows/tick_test_support.h"
 
 // The id every scenario of these tests gives its files.
 inline constexpr wchar_t kFileComboId[] = L"k3v9x";
@@ -52,7 +54,7 @@ struct PanelChild {
   HWND window = nullptr;
   std::wstring className;
   std::wstring text;
-  int id = 0;
+  ControlId id = ControlId::None;
   DWORD style = 0;
   RECT rect{};  // in the panel's client coordinates
 };
@@ -64,7 +66,7 @@ std::wstring WindowTextOf(HWND window);
 // The panel's outer size.
 SIZE WindowSizeOf(HWND window);
 // The control ids of the panel's buttons, in creation order.
-std::vector<int> ButtonIdsOf(HWND panel);
+std::vector<ControlId> ButtonIdsOf(HWND panel);
 // The direct child whose class name ends in `classSuffix` (the common
 // controls may carry a version before the name), or null.
 HWND ChildOfClass(HWND panel, const wchar_t* classSuffix);
@@ -118,15 +120,15 @@ class OfficeFlow {
 
   // The user presses the panel's button with that control id (asserts it
   // is there and on screen); the messages it leads to are dispatched.
-  void Press(HWND panel, int id, Caller caller = {});
+  void Press(HWND panel, ControlId id, Caller caller = {});
   // The button's click as its panel receives it (BN_CLICKED), without the
   // button taking the focus first and so the panel the activation. Under
   // Wine without a window manager, hiding the panel's badge while the
   // activated panel is up costs two seconds each time; rounds that only
   // count resources press this way.
-  void Click(HWND panel, int id, Caller caller = {});
+  void Click(HWND panel, ControlId id, Caller caller = {});
   // The user ticks the panel's check box.
-  void Check(HWND panel, int id, Caller caller = {});
+  void Check(HWND panel, ControlId id, Caller caller = {});
 
   // What the sync app received so far: each request's text, and each
   // request's bytes exactly as they arrived.

@@ -319,7 +319,7 @@ TEST_F(OverlayAtDpi, GivesTheRulesAFontThatFollowsTheDpi) {
   ASSERT_TRUE(panel);
   int rules = 0;
   for (const ChildRow& row : ChildrenOf(panel.get())) {
-    if (row.id != 1005) continue;
+    if (row.id != ControlId::Rule) continue;
     ++rules;
     EXPECT_EQ(row.font.set, at.ruleFont != 0) << Describe(row);
     if (at.ruleFont != 0) {

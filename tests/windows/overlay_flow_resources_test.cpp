@@ -64,55 +64,55 @@ const wchar_t kViewed[] = L"set all_viewers_quid=u1bo\nset all_viewers_names=Bo 
 const Flow kFlows[] = {
     {"DownloadReload", kDownloaded, false, false,
      [](OfficeFlow& flow, SimDocument*, const std::wstring& path) {
-       flow.Click(Panel(path), 3001);
+       flow.Click(Panel(path), ControlId::Download);
        flow.Tick();
-       flow.Click(Panel(path), 3003);
+       flow.Click(Panel(path), ControlId::Reload);
      }},
     {"DownloadSaveCopy", kDownloaded, true, false,
      [](OfficeFlow& flow, SimDocument* document, const std::wstring& path) {
-       flow.Check(Panel(path), 4001);
-       flow.Click(Panel(path), 3001);
+       flow.Check(Panel(path), ControlId::SaveSeparateCopy);
+       flow.Click(Panel(path), ControlId::Download);
        flow.Tick();
-       flow.Click(Panel(path), 3003);
+       flow.Click(Panel(path), ControlId::Reload);
        flow.app().SetPromptAnswer(SimApplication::PromptAnswer::Discard);
-       flow.Click(Panel(path), 3004);
+       flow.Click(Panel(path), ControlId::SaveCopyAndReload);
        UserCloses(flow, document, path);  // PowerPoint cannot ask, so it kept it open
      }},
     {"DownloadDiscard", kDownloaded, true, false,
      [](OfficeFlow& flow, SimDocument*, const std::wstring& path) {
-       flow.Click(Panel(path), 3001);
+       flow.Click(Panel(path), ControlId::Download);
        flow.Tick();
-       flow.Click(Panel(path), 3005);
+       flow.Click(Panel(path), ControlId::DiscardAndReload);
      }},
     {"ConflictContinue", kConflict, false, false,
      [](OfficeFlow& flow, SimDocument*, const std::wstring& path) {
-       flow.Click(Panel(path), 3006);
-       flow.Click(Panel(path), 3007);
+       flow.Click(Panel(path), ControlId::ResolveConflict);
+       flow.Click(Panel(path), ControlId::ContinueToResolve);
      }},
     {"ConflictSave", kConflict, true, false,
      [](OfficeFlow& flow, SimDocument*, const std::wstring& path) {
-       flow.Click(Panel(path), 3006);
-       flow.Click(Panel(path), 3008);
+       flow.Click(Panel(path), ControlId::ResolveConflict);
+       flow.Click(Panel(path), ControlId::SaveAndResolve);
      }},
     {"ConflictDiscard", kConflict, true, false,
      [](OfficeFlow& flow, SimDocument*, const std::wstring& path) {
-       flow.Click(Panel(path), 3006);
-       flow.Click(Panel(path), 3009);
+       flow.Click(Panel(path), ControlId::ResolveConflict);
+       flow.Click(Panel(path), ControlId::DiscardAndResolve);
      }},
     {"RenameReload", kRenamed, false, false,
      [](OfficeFlow& flow, SimDocument*, const std::wstring& path) {
-       flow.Click(Panel(path), 3010);
-       flow.Click(Panel(path), 3011);
+       flow.Click(Panel(path), ControlId::FollowRenameOrMove);
+       flow.Click(Panel(path), ControlId::ContinueToFollow);
      }},
     {"MoveSave", kMoved, true, false,
      [](OfficeFlow& flow, SimDocument*, const std::wstring& path) {
-       flow.Click(Panel(path), 3010);
-       flow.Click(Panel(path), 3012);
+       flow.Click(Panel(path), ControlId::FollowRenameOrMove);
+       flow.Click(Panel(path), ControlId::SaveAndFollow);
      }},
     {"RenameDiscard", kRenamed, true, false,
      [](OfficeFlow& flow, SimDocument*, const std::wstring& path) {
-       flow.Click(Panel(path), 3010);
-       flow.Click(Panel(path), 3013);
+       flow.Click(Panel(path), ControlId::FollowRenameOrMove);
+       flow.Click(Panel(path), ControlId::DiscardAndFollow);
      }},
     {"MoveCloseFirst", kMovedCloseFirst, false, false,
      [](OfficeFlow& flow, SimDocument* document, const std::wstring&) {
@@ -124,13 +124,13 @@ const Flow kFlows[] = {
      }},
     {"Hide", kViewed, false, false,
      [](OfficeFlow& flow, SimDocument* document, const std::wstring& path) {
-       flow.Click(Panel(path), 3014);
+       flow.Click(Panel(path), ControlId::Hide);
        flow.app().CloseDocument(document, SimApplication::SaveChoice::Prompt);
      }},
     {"ReadOnlyError", kRenamed, true, true,
      [](OfficeFlow& flow, SimDocument* document, const std::wstring& path) {
-       flow.Click(Panel(path), 3010);
-       flow.Click(Panel(path), 3012);
+       flow.Click(Panel(path), ControlId::FollowRenameOrMove);
+       flow.Click(Panel(path), ControlId::SaveAndFollow);
        flow.Tick();
        flow.Tick();
        UserCloses(flow, document, path);
@@ -138,8 +138,8 @@ const Flow kFlows[] = {
     {"SaveError", kMoved, true, false,
      [](OfficeFlow& flow, SimDocument* document, const std::wstring& path) {
        document->SetFailingSaves(true);
-       flow.Click(Panel(path), 3010);
-       flow.Click(Panel(path), 3012);
+       flow.Click(Panel(path), ControlId::FollowRenameOrMove);
+       flow.Click(Panel(path), ControlId::SaveAndFollow);
        flow.Tick();
        flow.Tick();
        UserCloses(flow, document, path);
@@ -147,9 +147,9 @@ const Flow kFlows[] = {
     {"CopyError", kDownloaded, true, false,
      [](OfficeFlow& flow, SimDocument* document, const std::wstring& path) {
        document->SetFailingSaveCopies(true);
-       flow.Click(Panel(path), 3001);
+       flow.Click(Panel(path), ControlId::Download);
        flow.Tick();
-       flow.Click(Panel(path), 3004);
+       flow.Click(Panel(path), ControlId::SaveCopyAndReload);
        flow.Tick();
        flow.Tick();
        UserCloses(flow, document, path);

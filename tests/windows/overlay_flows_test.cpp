@@ -87,10 +87,10 @@ class PanelFlow : public testing::TestWithParam<SimHost> {
     }
     return false;
   }
-  static std::wstring TextOf(HWND panel, int id) { return WindowTextOf(GetDlgItem(panel, id)); }
+  static std::wstring TextOf(HWND panel, ControlId id) { return WindowTextOf(GetDlgItem(panel, static_cast<int>(id))); }
 
   // The panel that is on screen now, with these buttons.
-  void ExpectPanelOnScreen(HWND panel, const std::vector<int>& buttons, Caller caller = {}) {
+  void ExpectPanelOnScreen(HWND panel, const std::vector<ControlId>& buttons, Caller caller = {}) {
     TRACE_CALLER(caller);
     ASSERT_NE(panel, nullptr);
     EXPECT_TRUE(IsWindowVisible(panel)) << DescribePanel(panel);
@@ -139,21 +139,21 @@ TEST_P(PanelFlow, DownloadWithoutUnsavedChangesReloadsTheNewVersion) {
   SimDocument* document = OpenSynced(L"report", kNewVersionOnTheWeb, false);
   ASSERT_NE(document, nullptr);
   HWND offer = Panel();
-  ExpectPanelOnScreen(offer, {3001});
+  ExpectPanelOnScreen(offer, {ControlId::Download});
   EXPECT_TRUE(Shows(offer, L"This file has been modified"));
   EXPECT_TRUE(Shows(offer, L"Bo Chan"));
   EXPECT_TRUE(Shows(offer, L"Modified on 2026-11-23 09:41"));
-  EXPECT_EQ(TextOf(offer, 3001), L"Download latest version");
-  EXPECT_EQ(GetDlgItem(offer, 4001), nullptr);
+  EXPECT_EQ(TextOf(offer, ControlId::Download), L"Download latest version");
+  EXPECT_EQ(GetDlgItem(offer, static_cast<int>(ControlId::SaveSeparateCopy)), nullptr);
   EXPECT_EQ(KindShown(), 7);
   EXPECT_TRUE(ContainsInOrder(flow_.Messages(), {"download: " + P()}));
 
   flow_.ClearLog();
-  flow_.Press(offer, 3001);
+  flow_.Press(offer, ControlId::Download);
   HWND downloading = Panel();
   EXPECT_FALSE(IsWindow(offer));
-  ExpectPanelOnScreen(downloading, {3002});
-  EXPECT_EQ(TextOf(downloading, 3002), L"Downloading...");
+  ExpectPanelOnScreen(downloading, {ControlId::Downloading});
+  EXPECT_EQ(TextOf(downloading, ControlId::Downloading), L"Downloading...");
   // The marquee runs along the bottom edge: 7 high, the panel's width, its
   // top 7 above the panel's height.
   HWND bar = ChildOfClass(downloading, L"msctls_progress32");
@@ -176,14 +176,14 @@ TEST_P(PanelFlow, DownloadWithoutUnsavedChangesReloadsTheNewVersion) {
   flow_.CycleAndTick();  // the sync app has it now
   HWND reload = Panel();
   EXPECT_FALSE(IsWindow(downloading));
-  ExpectPanelOnScreen(reload, {3003});
-  EXPECT_EQ(TextOf(reload, 3003), L"Reload");
+  ExpectPanelOnScreen(reload, {ControlId::Reload});
+  EXPECT_EQ(TextOf(reload, ControlId::Reload), L"Reload");
   EXPECT_TRUE(Shows(reload, L"To load the latest version of this file, click \"Reload\"."));
   EXPECT_EQ(WindowSizeOf(reload).cy, 155);
 
   HWND badge = Badge();
   flow_.ClearLog();
-  flow_.Press(reload, 3003);
+  flow_.Press(reload, ControlId::Reload);
   ExpectClosedAndForgotten(reload, badge);
   EXPECT_EQ(OnDisk(), kOriginalContent);
   EXPECT_EQ(flow_.app().quitRequested(), hostQuitsWithItsLastDocument());
@@ -209,28 +209,28 @@ TEST_P(PanelFlow, DownloadWithUnsavedChangesKeepsThemInASeparateCopyNextToTheDoc
   SimDocument* document = OpenSynced(L"report", kNewVersionOnTheWeb, true);
   ASSERT_NE(document, nullptr);
   HWND offer = Panel();
-  ExpectPanelOnScreen(offer, {4001, 3001});
-  EXPECT_EQ(TextOf(offer, 4001), L"Save my changes as a separate copy");
+  ExpectPanelOnScreen(offer, {ControlId::SaveSeparateCopy, ControlId::Download});
+  EXPECT_EQ(TextOf(offer, ControlId::SaveSeparateCopy), L"Save my changes as a separate copy");
   EXPECT_EQ(WindowSizeOf(offer).cy, 215);
 
   flow_.ClearLog();
-  flow_.Check(offer, 4001);
-  flow_.Press(offer, 3001);
+  flow_.Check(offer, ControlId::SaveSeparateCopy);
+  flow_.Press(offer, ControlId::Download);
   EXPECT_EQ(flow_.Messages(), (std::vector<std::string>{"download button clicked: " + P(),
                                                          "download - save separate copy checkbox checked: " + P()}));
   EXPECT_TRUE(Record().choices.Has(UserChoice::saveSeparateCopy));
-  ExpectPanelOnScreen(Panel(), {3002});
+  ExpectPanelOnScreen(Panel(), {ControlId::Downloading});
 
   // The user chose the copy already: the confirmation only says "Reload".
   flow_.CycleAndTick();
   HWND reload = Panel();
-  ExpectPanelOnScreen(reload, {3003});
+  ExpectPanelOnScreen(reload, {ControlId::Reload});
   flow_.ClearLog();
-  flow_.Press(reload, 3003);
+  flow_.Press(reload, ControlId::Reload);
   HWND ask = Panel();
-  ExpectPanelOnScreen(ask, {3004, 3005});
-  EXPECT_EQ(TextOf(ask, 3004), L"Save a copy & Reload");
-  EXPECT_EQ(TextOf(ask, 3005), L"Discard & Reload");
+  ExpectPanelOnScreen(ask, {ControlId::SaveCopyAndReload, ControlId::DiscardAndReload});
+  EXPECT_EQ(TextOf(ask, ControlId::SaveCopyAndReload), L"Save a copy & Reload");
+  EXPECT_EQ(TextOf(ask, ControlId::DiscardAndReload), L"Discard & Reload");
   EXPECT_EQ(flow_.Messages(), (std::vector<std::string>{"download reload button clicked: " + P(),
                                                          "download ask save copy or not UI shown: " + P()}));
   ExpectStillOpenWithTheUsersChanges(document);
@@ -238,7 +238,7 @@ TEST_P(PanelFlow, DownloadWithUnsavedChangesKeepsThemInASeparateCopyNextToTheDoc
   // The user takes a moment over it; the question stays.
   flow_.CycleAndTick();
   EXPECT_EQ(Panel(), ask);
-  ExpectPanelOnScreen(Panel(), {3004, 3005});
+  ExpectPanelOnScreen(Panel(), {ControlId::SaveCopyAndReload, ControlId::DiscardAndReload});
   ask = Panel();
 
   // Were the host to ask about the changes a second time, this user would
@@ -247,7 +247,7 @@ TEST_P(PanelFlow, DownloadWithUnsavedChangesKeepsThemInASeparateCopyNextToTheDoc
   HWND badge = Badge();
   flow_.ClearLog();
   const std::string before = CopyStampNow();
-  flow_.Press(ask, 3004);
+  flow_.Press(ask, ControlId::SaveCopyAndReload);
   const std::string after = CopyStampNow();
 
   std::vector<std::wstring> files = FilesIn(flow_.host().folder());
@@ -300,21 +300,21 @@ TEST_P(PanelFlow, DownloadWithUnsavedChangesLetsThemGoWhenTheUserDiscardsThem) {
   SimDocument* document = OpenSynced(L"report", kNewVersionOnTheWeb, true);
   ASSERT_NE(document, nullptr);
   flow_.ClearLog();
-  flow_.Press(Panel(), 3001);
+  flow_.Press(Panel(), ControlId::Download);
   EXPECT_EQ(flow_.Messages(), (std::vector<std::string>{"download button clicked: " + P(),
                                                          "download - save separate copy checkbox not checked: " + P()}));
   EXPECT_FALSE(Record().choices.Has(UserChoice::saveSeparateCopy));
 
   flow_.CycleAndTick();
   HWND ask = Panel();
-  ExpectPanelOnScreen(ask, {3004, 3005});
+  ExpectPanelOnScreen(ask, {ControlId::SaveCopyAndReload, ControlId::DiscardAndReload});
   EXPECT_TRUE(Shows(ask, L"This file has unsaved changes. Do you want to save your changes as a separate copy before "
                          L"reloading this file?"));
   EXPECT_EQ(WindowSizeOf(ask).cy, 175);
 
   HWND badge = Badge();
   flow_.ClearLog();
-  flow_.Press(ask, 3005);
+  flow_.Press(ask, ControlId::DiscardAndReload);
   ExpectClosedAndForgotten(ask, badge);
   EXPECT_EQ(OnDisk(), kOriginalContent);
   EXPECT_EQ(FilesIn(flow_.host().folder()), std::vector<std::wstring>{name_});
@@ -341,16 +341,16 @@ TEST_P(PanelFlow, ADownloadPressIsRememberedWhileTheSyncAppIsStillDownloading) {
   SimDocument* document = OpenSynced(L"report", kSlowDownload, true);
   ASSERT_NE(document, nullptr);
   HWND offer = Panel();
-  ExpectPanelOnScreen(offer, {4001, 3001});
-  flow_.Check(offer, 4001);
-  flow_.Press(offer, 3001);
-  ExpectPanelOnScreen(Panel(), {3002});
+  ExpectPanelOnScreen(offer, {ControlId::SaveSeparateCopy, ControlId::Download});
+  flow_.Check(offer, ControlId::SaveSeparateCopy);
+  flow_.Press(offer, ControlId::Download);
+  ExpectPanelOnScreen(Panel(), {ControlId::Downloading});
 
   for (int cycle = 0; cycle < 3; ++cycle) {
     flow_.CycleAndTick();
     SCOPED_TRACE("cycle " + std::to_string(cycle + 2) + ", still downloading");
-    ExpectPanelOnScreen(Panel(), {3002});
-    EXPECT_EQ(TextOf(Panel(), 3002), L"Downloading...");
+    ExpectPanelOnScreen(Panel(), {ControlId::Downloading});
+    EXPECT_EQ(TextOf(Panel(), ControlId::Downloading), L"Downloading...");
     EXPECT_TRUE(Record().choices.Has(UserChoice::downloadRequested));
     EXPECT_TRUE(Record().choices.Has(UserChoice::saveSeparateCopy));
   }
@@ -359,7 +359,7 @@ TEST_P(PanelFlow, ADownloadPressIsRememberedWhileTheSyncAppIsStillDownloading) {
   // confirmation only says "Reload".
   flow_.CycleAndTick();
   HWND reload = Panel();
-  ExpectPanelOnScreen(reload, {3003});
+  ExpectPanelOnScreen(reload, {ControlId::Reload});
   EXPECT_TRUE(Shows(reload, L"To load the latest version of this file, click \"Reload\"."));
   EXPECT_TRUE(Record().choices.Has(UserChoice::reloadPromptPlain));
   ExpectStillOpenWithTheUsersChanges(document);
@@ -372,13 +372,13 @@ TEST_P(PanelFlow, AnUntickedBoxIsRememberedWhileTheSyncAppIsStillDownloading) {
       L"set is_download_present=Downloaded\n";
   SimDocument* document = OpenSynced(L"report", kSlowDownload, true);
   ASSERT_NE(document, nullptr);
-  flow_.Press(Panel(), 3001);
+  flow_.Press(Panel(), ControlId::Download);
   for (int cycle = 0; cycle < 3; ++cycle) flow_.CycleAndTick();
-  ExpectPanelOnScreen(Panel(), {3002});
+  ExpectPanelOnScreen(Panel(), {ControlId::Downloading});
 
   // The user did not keep a copy: the confirmation asks about the changes.
   flow_.CycleAndTick();
-  ExpectPanelOnScreen(Panel(), {3004, 3005});
+  ExpectPanelOnScreen(Panel(), {ControlId::SaveCopyAndReload, ControlId::DiscardAndReload});
   EXPECT_TRUE(Record().choices.Has(UserChoice::reloadPromptAskSave));
   ExpectStillOpenWithTheUsersChanges(document);
 }
@@ -389,15 +389,15 @@ TEST_P(PanelFlow, ConflictResolvedWithContinueClosesTheFileForTheResolveWindow) 
   SimDocument* document = OpenSynced(L"shared", kConflict, false);
   ASSERT_NE(document, nullptr);
   HWND conflict = Panel();
-  ExpectPanelOnScreen(conflict, {3006});
+  ExpectPanelOnScreen(conflict, {ControlId::ResolveConflict});
   EXPECT_TRUE(Shows(conflict, L"File conflict occurred"));
-  EXPECT_EQ(TextOf(conflict, 3006), L"Resolve conflict");
+  EXPECT_EQ(TextOf(conflict, ControlId::ResolveConflict), L"Resolve conflict");
   EXPECT_EQ(KindShown(), 6);
 
   flow_.ClearLog();
-  flow_.Press(conflict, 3006);
+  flow_.Press(conflict, ControlId::ResolveConflict);
   HWND confirm = Panel();
-  ExpectPanelOnScreen(confirm, {3007});
+  ExpectPanelOnScreen(confirm, {ControlId::ContinueToResolve});
   EXPECT_TRUE(Shows(confirm, L"Filewell Sync will close this file and open the Resolve Conflict window."));
   EXPECT_EQ(WindowSizeOf(confirm).cy, 130);
   EXPECT_EQ(flow_.Messages(), (std::vector<std::string>{"resolve conflict button clicked: " + P(),
@@ -405,7 +405,7 @@ TEST_P(PanelFlow, ConflictResolvedWithContinueClosesTheFileForTheResolveWindow) 
 
   HWND badge = Badge();
   flow_.ClearLog();
-  flow_.Press(confirm, 3007);
+  flow_.Press(confirm, ControlId::ContinueToResolve);
   ExpectClosedAndForgotten(confirm, badge);
   EXPECT_EQ(OnDisk(), kOriginalContent);
   EXPECT_EQ(flow_.Messages(),
@@ -423,11 +423,11 @@ TEST_P(PanelFlow, ConflictResolvedWithSaveSavesTheDocumentThenClosesIt) {
   SimDocument* document = OpenSynced(L"shared", kConflict, true);
   ASSERT_NE(document, nullptr);
   flow_.ClearLog();
-  flow_.Press(Panel(), 3006);
+  flow_.Press(Panel(), ControlId::ResolveConflict);
   HWND confirm = Panel();
-  ExpectPanelOnScreen(confirm, {3008, 3009});
-  EXPECT_EQ(TextOf(confirm, 3008), L"Save & Continue");
-  EXPECT_EQ(TextOf(confirm, 3009), L"Discard & Continue");
+  ExpectPanelOnScreen(confirm, {ControlId::SaveAndResolve, ControlId::DiscardAndResolve});
+  EXPECT_EQ(TextOf(confirm, ControlId::SaveAndResolve), L"Save & Continue");
+  EXPECT_EQ(TextOf(confirm, ControlId::DiscardAndResolve), L"Discard & Continue");
   EXPECT_TRUE(Shows(confirm, L"Filewell Sync will close this file and open the Resolve Conflict window. Do you want "
                              L"to save your changes before closing this file?"));
   EXPECT_EQ(flow_.Messages(),
@@ -436,7 +436,7 @@ TEST_P(PanelFlow, ConflictResolvedWithSaveSavesTheDocumentThenClosesIt) {
 
   HWND badge = Badge();
   flow_.ClearLog();
-  flow_.Press(confirm, 3008);
+  flow_.Press(confirm, ControlId::SaveAndResolve);
   ExpectClosedAndForgotten(confirm, badge);
   EXPECT_EQ(OnDisk(), kSavedOnce);
   EXPECT_EQ(flow_.Messages(), (std::vector<std::string>{"resolve conflict save button clicked: " + P(),
@@ -453,13 +453,13 @@ TEST_P(PanelFlow, ConflictResolvedWithSaveSavesTheDocumentThenClosesIt) {
 TEST_P(PanelFlow, ConflictResolvedWithDiscardClosesWithoutSaving) {
   SimDocument* document = OpenSynced(L"shared", kConflict, true);
   ASSERT_NE(document, nullptr);
-  flow_.Press(Panel(), 3006);
+  flow_.Press(Panel(), ControlId::ResolveConflict);
   HWND confirm = Panel();
-  ExpectPanelOnScreen(confirm, {3008, 3009});
+  ExpectPanelOnScreen(confirm, {ControlId::SaveAndResolve, ControlId::DiscardAndResolve});
 
   HWND badge = Badge();
   flow_.ClearLog();
-  flow_.Press(confirm, 3009);
+  flow_.Press(confirm, ControlId::DiscardAndResolve);
   ExpectClosedAndForgotten(confirm, badge);
   EXPECT_EQ(OnDisk(), kOriginalContent);
   EXPECT_EQ(flow_.Messages(), (std::vector<std::string>{"resolve conflict discard button clicked: " + P(),
@@ -480,20 +480,20 @@ TEST_P(PanelFlow, RenameFollowedWithReloadClosesTheFile) {
   SimDocument* document = OpenSynced(L"draft", Renamed(Named(L"draft"), Named(L"final")), false);
   ASSERT_NE(document, nullptr);
   HWND renamed = Panel();
-  ExpectPanelOnScreen(renamed, {3010});
+  ExpectPanelOnScreen(renamed, {ControlId::FollowRenameOrMove});
   EXPECT_TRUE(Shows(renamed, L"This file has been renamed"));
   EXPECT_TRUE(Shows(renamed, L"Previous file name"));
-  EXPECT_EQ(TextOf(renamed, 5001), Named(L"draft"));
-  EXPECT_EQ(TextOf(renamed, 5002), Named(L"final"));
-  EXPECT_EQ(TextOf(renamed, 3010), L"Reload");
+  EXPECT_EQ(TextOf(renamed, ControlId::PreviousName), Named(L"draft"));
+  EXPECT_EQ(TextOf(renamed, ControlId::NewName), Named(L"final"));
+  EXPECT_EQ(TextOf(renamed, ControlId::FollowRenameOrMove), L"Reload");
   EXPECT_EQ(WindowSizeOf(renamed).cy, 365);
   EXPECT_EQ(KindShown(), 5);
 
   flow_.ClearLog();
-  flow_.Press(renamed, 3010);
+  flow_.Press(renamed, ControlId::FollowRenameOrMove);
   HWND confirm = Panel();
-  ExpectPanelOnScreen(confirm, {3011});
-  EXPECT_EQ(TextOf(confirm, 3011), L"Continue");
+  ExpectPanelOnScreen(confirm, {ControlId::ContinueToFollow});
+  EXPECT_EQ(TextOf(confirm, ControlId::ContinueToFollow), L"Continue");
   EXPECT_TRUE(Shows(confirm, L"Click \"Continue\" to reload and sync the renamed file from the web to your computer."));
   EXPECT_TRUE(Shows(confirm, L"This may take some time..."));
   EXPECT_EQ(flow_.Messages(), (std::vector<std::string>{"rename/move button clicked: " + P(),
@@ -501,7 +501,7 @@ TEST_P(PanelFlow, RenameFollowedWithReloadClosesTheFile) {
 
   HWND badge = Badge();
   flow_.ClearLog();
-  flow_.Press(confirm, 3011);
+  flow_.Press(confirm, ControlId::ContinueToFollow);
   ExpectClosedAndForgotten(confirm, badge);
   EXPECT_EQ(OnDisk(), kOriginalContent);
   EXPECT_EQ(flow_.Messages(), (std::vector<std::string>{"rename/move continue button clicked: " + P(),
@@ -519,17 +519,17 @@ TEST_P(PanelFlow, MoveWithUnsavedChangesSavedSavesTheDocumentThenClosesIt) {
       OpenSynced(L"plan", Moved(L"C:\\Filewell\\Drafts", L"C:\\Filewell\\Projects\\2026", false), true);
   ASSERT_NE(document, nullptr);
   HWND moved = Panel();
-  ExpectPanelOnScreen(moved, {3010});
+  ExpectPanelOnScreen(moved, {ControlId::FollowRenameOrMove});
   EXPECT_TRUE(Shows(moved, L"This file has been moved to a new location"));
   EXPECT_TRUE(Shows(moved, L"From"));
   EXPECT_TRUE(Shows(moved, L"To"));
-  EXPECT_EQ(TextOf(moved, 5001), L"C:\\Filewell\\Drafts");
-  EXPECT_EQ(TextOf(moved, 5002), L"C:\\Filewell\\Projects\\2026");
+  EXPECT_EQ(TextOf(moved, ControlId::PreviousName), L"C:\\Filewell\\Drafts");
+  EXPECT_EQ(TextOf(moved, ControlId::NewName), L"C:\\Filewell\\Projects\\2026");
 
   flow_.ClearLog();
-  flow_.Press(moved, 3010);
+  flow_.Press(moved, ControlId::FollowRenameOrMove);
   HWND confirm = Panel();
-  ExpectPanelOnScreen(confirm, {3012, 3013});
+  ExpectPanelOnScreen(confirm, {ControlId::SaveAndFollow, ControlId::DiscardAndFollow});
   EXPECT_TRUE(Shows(confirm, L"This file has unsaved changes. Do you want to save your changes before reloading and "
                              L"syncing the file from the new location on the web to your computer?"));
   EXPECT_EQ(WindowSizeOf(confirm).cy, 185);
@@ -539,7 +539,7 @@ TEST_P(PanelFlow, MoveWithUnsavedChangesSavedSavesTheDocumentThenClosesIt) {
 
   HWND badge = Badge();
   flow_.ClearLog();
-  flow_.Press(confirm, 3012);
+  flow_.Press(confirm, ControlId::SaveAndFollow);
   ExpectClosedAndForgotten(confirm, badge);
   EXPECT_EQ(OnDisk(), kSavedOnce);
   EXPECT_EQ(flow_.Messages(), (std::vector<std::string>{"rename/move save button clicked: " + P(),
@@ -556,15 +556,15 @@ TEST_P(PanelFlow, MoveWithUnsavedChangesSavedSavesTheDocumentThenClosesIt) {
 TEST_P(PanelFlow, RenameWithUnsavedChangesDiscardedClosesWithoutSaving) {
   SimDocument* document = OpenSynced(L"draft", Renamed(Named(L"draft"), Named(L"final")), true);
   ASSERT_NE(document, nullptr);
-  flow_.Press(Panel(), 3010);
+  flow_.Press(Panel(), ControlId::FollowRenameOrMove);
   HWND confirm = Panel();
-  ExpectPanelOnScreen(confirm, {3012, 3013});
+  ExpectPanelOnScreen(confirm, {ControlId::SaveAndFollow, ControlId::DiscardAndFollow});
   EXPECT_TRUE(Shows(confirm, L"This file has unsaved changes. Do you want to save your changes before reloading and "
                              L"syncing the renamed file from the web to your computer?"));
 
   HWND badge = Badge();
   flow_.ClearLog();
-  flow_.Press(confirm, 3013);
+  flow_.Press(confirm, ControlId::DiscardAndFollow);
   ExpectClosedAndForgotten(confirm, badge);
   EXPECT_EQ(OnDisk(), kOriginalContent);
   EXPECT_EQ(flow_.Messages(), (std::vector<std::string>{"rename/move discard button clicked: " + P(),
@@ -633,12 +633,12 @@ TEST_P(PanelFlow, HideTakesBothWindowsAwayAndTellsTheSyncAppAtOnce) {
   SimDocument* document = OpenSynced(L"notes", kViewedByBo, false);
   ASSERT_NE(document, nullptr);
   HWND viewers = Panel();
-  ExpectPanelOnScreen(viewers, {3014});
+  ExpectPanelOnScreen(viewers, {ControlId::Hide});
   EXPECT_EQ(KindShown(), 8);
   HWND badge = Badge();
 
   flow_.ClearLog();
-  flow_.Press(viewers, 3014);
+  flow_.Press(viewers, ControlId::Hide);
   EXPECT_FALSE(IsWindow(viewers));
   EXPECT_FALSE(IsWindow(badge));
   EXPECT_TRUE(Record().choices.Has(UserChoice::uiHide));
@@ -666,12 +666,12 @@ TEST_P(PanelFlow, SavingAReadOnlyDocumentShowsWhyAndClosesNothing) {
   ASSERT_NE(document, nullptr);
   document->MarkEdited();
   flow_.CycleAndTick();
-  flow_.Press(Panel(), 3010);
+  flow_.Press(Panel(), ControlId::FollowRenameOrMove);
   HWND confirm = Panel();
-  ExpectPanelOnScreen(confirm, {3012, 3013});
+  ExpectPanelOnScreen(confirm, {ControlId::SaveAndFollow, ControlId::DiscardAndFollow});
 
   flow_.ClearLog();
-  flow_.Press(confirm, 3012);
+  flow_.Press(confirm, ControlId::SaveAndFollow);
   HWND error = Panel();
   EXPECT_FALSE(IsWindow(confirm));
   ExpectPanelOnScreen(error, {});
@@ -712,12 +712,12 @@ TEST_P(PanelFlow, ASaveThatFailsShowsTheSaveErrorAndClosesNothing) {
   SimDocument* document = OpenSynced(L"plan", Moved(L"C:\\Filewell\\Drafts", L"C:\\Filewell\\Projects", false), true);
   ASSERT_NE(document, nullptr);
   document->SetFailingSaves(true);
-  flow_.Press(Panel(), 3010);
+  flow_.Press(Panel(), ControlId::FollowRenameOrMove);
   HWND confirm = Panel();
-  ExpectPanelOnScreen(confirm, {3012, 3013});
+  ExpectPanelOnScreen(confirm, {ControlId::SaveAndFollow, ControlId::DiscardAndFollow});
 
   flow_.ClearLog();
-  flow_.Press(confirm, 3012);
+  flow_.Press(confirm, ControlId::SaveAndFollow);
   HWND error = Panel();
   EXPECT_FALSE(IsWindow(confirm));
   ExpectPanelOnScreen(error, {});
@@ -745,12 +745,12 @@ TEST_P(PanelFlow, AConflictSaveThatFailsKeepsTheDocumentOpenAndTheConflictUnreso
   SimDocument* document = OpenSynced(L"shared", kConflict, true);
   ASSERT_NE(document, nullptr);
   document->SetFailingSaves(true);
-  flow_.Press(Panel(), 3006);
+  flow_.Press(Panel(), ControlId::ResolveConflict);
   HWND confirm = Panel();
-  ExpectPanelOnScreen(confirm, {3008, 3009});
+  ExpectPanelOnScreen(confirm, {ControlId::SaveAndResolve, ControlId::DiscardAndResolve});
 
   flow_.ClearLog();
-  flow_.Press(confirm, 3008);
+  flow_.Press(confirm, ControlId::SaveAndResolve);
   const char* notClosed = host() == SimHost::PowerPoint
                               ? "we didn't close file since file has unsaved changes (during SaveChanges)"
                               : "we didn't close file since file has unsaved changes";
@@ -770,7 +770,7 @@ TEST_P(PanelFlow, AConflictSaveThatFailsKeepsTheDocumentOpenAndTheConflictUnreso
   RequestFields stillOpen;
   stillOpen.isEditing = true;
   ExpectLastRequest(stillOpen);
-  ExpectPanelOnScreen(Panel(), {3008, 3009});
+  ExpectPanelOnScreen(Panel(), {ControlId::SaveAndResolve, ControlId::DiscardAndResolve});
   ExpectStillOpenWithTheUsersChanges(document);
 }
 
@@ -778,13 +778,13 @@ TEST_P(PanelFlow, ASeparateCopyThatCannotBeMadeShowsTheSaveErrorAndClosesNothing
   SimDocument* document = OpenSynced(L"report", kNewVersionOnTheWeb, true);
   ASSERT_NE(document, nullptr);
   document->SetFailingSaveCopies(true);
-  flow_.Press(Panel(), 3001);
+  flow_.Press(Panel(), ControlId::Download);
   flow_.CycleAndTick();
   HWND ask = Panel();
-  ExpectPanelOnScreen(ask, {3004, 3005});
+  ExpectPanelOnScreen(ask, {ControlId::SaveCopyAndReload, ControlId::DiscardAndReload});
 
   flow_.ClearLog();
-  flow_.Press(ask, 3004);
+  flow_.Press(ask, ControlId::SaveCopyAndReload);
   HWND error = Panel();
   EXPECT_FALSE(IsWindow(ask));
   ExpectPanelOnScreen(error, {});
@@ -811,8 +811,8 @@ TEST_P(PanelFlow, TheTickAfterTheSaveErrorLeavesItOnceAndTheNextAsksAgain) {
   SimDocument* document = OpenSynced(L"plan", Moved(L"C:\\Filewell\\Drafts", L"C:\\Filewell\\Projects", false), true);
   ASSERT_NE(document, nullptr);
   document->SetFailingSaves(true);
-  flow_.Press(Panel(), 3010);
-  flow_.Press(Panel(), 3012);
+  flow_.Press(Panel(), ControlId::FollowRenameOrMove);
+  flow_.Press(Panel(), ControlId::SaveAndFollow);
   HWND error = Panel();
   ASSERT_EQ(WindowSizeOf(error).cy, 80);
 
@@ -824,7 +824,7 @@ TEST_P(PanelFlow, TheTickAfterTheSaveErrorLeavesItOnceAndTheNextAsksAgain) {
   flow_.CycleAndTick();
   HWND again = Panel();
   EXPECT_FALSE(IsWindow(error));
-  ExpectPanelOnScreen(again, {3012, 3013});
+  ExpectPanelOnScreen(again, {ControlId::SaveAndFollow, ControlId::DiscardAndFollow});
   ExpectStillOpenWithTheUsersChanges(document);
 }
 
@@ -832,9 +832,9 @@ TEST_P(PanelFlow, TheTickAfterTheCopyErrorLeavesItOnceAndTheNextAsksAgain) {
   SimDocument* document = OpenSynced(L"report", kNewVersionOnTheWeb, true);
   ASSERT_NE(document, nullptr);
   document->SetFailingSaveCopies(true);
-  flow_.Press(Panel(), 3001);
+  flow_.Press(Panel(), ControlId::Download);
   flow_.CycleAndTick();
-  flow_.Press(Panel(), 3004);
+  flow_.Press(Panel(), ControlId::SaveCopyAndReload);
   HWND error = Panel();
   ASSERT_EQ(WindowSizeOf(error).cy, 80);
 
@@ -845,7 +845,7 @@ TEST_P(PanelFlow, TheTickAfterTheCopyErrorLeavesItOnceAndTheNextAsksAgain) {
   flow_.CycleAndTick();
   HWND again = Panel();
   EXPECT_FALSE(IsWindow(error));
-  ExpectPanelOnScreen(again, {3004, 3005});
+  ExpectPanelOnScreen(again, {ControlId::SaveCopyAndReload, ControlId::DiscardAndReload});
   ExpectStillOpenWithTheUsersChanges(document);
 }
 
@@ -856,17 +856,17 @@ TEST_P(PanelFlow, TheTickAfterTheCopyErrorLeavesItOnceAndTheNextAsksAgain) {
 TEST_P(PanelFlow, AReloadTheHostRefusesBringsTheBadgeAndTheReloadConfirmationBack) {
   SimDocument* document = OpenSynced(L"report", kNewVersionOnTheWeb, false);
   ASSERT_NE(document, nullptr);
-  flow_.Press(Panel(), 3001);
+  flow_.Press(Panel(), ControlId::Download);
   flow_.CycleAndTick();
   HWND reload = Panel();
-  ExpectPanelOnScreen(reload, {3003});
+  ExpectPanelOnScreen(reload, {ControlId::Reload});
 
   document->SetRefusingClose(true);
-  flow_.Press(reload, 3003);
+  flow_.Press(reload, ControlId::Reload);
   EXPECT_EQ(flow_.app().FindDocument(path_), document);
   EXPECT_TRUE(TheFileStatusCache().Contains(path_));
   flow_.Tick();
-  ExpectPanelOnScreen(Panel(), {3003});
+  ExpectPanelOnScreen(Panel(), {ControlId::Reload});
   EXPECT_EQ(KindShown(), 7);
   EXPECT_FALSE(Record().choices.Has(UserChoice::retryModify));
 
@@ -874,7 +874,7 @@ TEST_P(PanelFlow, AReloadTheHostRefusesBringsTheBadgeAndTheReloadConfirmationBac
   document->SetRefusingClose(false);
   HWND badge = Badge();
   HWND again = Panel();
-  flow_.Press(again, 3003);
+  flow_.Press(again, ControlId::Reload);
   ExpectClosedAndForgotten(again, badge);
   RequestFields closed;
   closed.isOpen = false;
@@ -885,27 +885,27 @@ TEST_P(PanelFlow, AReloadTheHostRefusesBringsTheBadgeAndTheReloadConfirmationBac
 TEST_P(PanelFlow, AReloadRefusedWhileTheUserTypedAsksAboutTheChanges) {
   SimDocument* document = OpenSynced(L"report", kNewVersionOnTheWeb, false);
   ASSERT_NE(document, nullptr);
-  flow_.Press(Panel(), 3001);
+  flow_.Press(Panel(), ControlId::Download);
   flow_.CycleAndTick();
   document->SetRefusingClose(true);
-  flow_.Press(Panel(), 3003);
+  flow_.Press(Panel(), ControlId::Reload);
   document->MarkEdited();
   flow_.Tick();
-  ExpectPanelOnScreen(Panel(), {3004, 3005});
+  ExpectPanelOnScreen(Panel(), {ControlId::SaveCopyAndReload, ControlId::DiscardAndReload});
   ExpectStillOpenWithTheUsersChanges(document);
 }
 
 TEST_P(PanelFlow, ASeparateCopyThatFailsForAUserWhoTickedTheBoxCanBeTriedAgain) {
   SimDocument* document = OpenSynced(L"report", kNewVersionOnTheWeb, true);
   ASSERT_NE(document, nullptr);
-  flow_.Check(Panel(), 4001);
-  flow_.Press(Panel(), 3001);
+  flow_.Check(Panel(), ControlId::SaveSeparateCopy);
+  flow_.Press(Panel(), ControlId::Download);
   flow_.CycleAndTick();
-  flow_.Press(Panel(), 3003);
+  flow_.Press(Panel(), ControlId::Reload);
   HWND ask = Panel();
-  ExpectPanelOnScreen(ask, {3004, 3005});
+  ExpectPanelOnScreen(ask, {ControlId::SaveCopyAndReload, ControlId::DiscardAndReload});
   document->SetFailingSaveCopies(true);
-  flow_.Press(ask, 3004);
+  flow_.Press(ask, ControlId::SaveCopyAndReload);
   HWND error = Panel();
   ExpectPanelOnScreen(error, {});
   EXPECT_TRUE(Shows(error, L"An error occurred while saving the file. Please ensure you have sufficient privileges and "
@@ -915,10 +915,10 @@ TEST_P(PanelFlow, ASeparateCopyThatFailsForAUserWhoTickedTheBoxCanBeTriedAgain) 
   EXPECT_EQ(Panel(), error);
   flow_.CycleAndTick();
   EXPECT_FALSE(IsWindow(error));
-  ExpectPanelOnScreen(Panel(), {3003});
+  ExpectPanelOnScreen(Panel(), {ControlId::Reload});
   document->SetFailingSaveCopies(false);
-  flow_.Press(Panel(), 3003);
-  ExpectPanelOnScreen(Panel(), {3004, 3005});
+  flow_.Press(Panel(), ControlId::Reload);
+  ExpectPanelOnScreen(Panel(), {ControlId::SaveCopyAndReload, ControlId::DiscardAndReload});
   ExpectStillOpenWithTheUsersChanges(document);
 }
 
@@ -927,55 +927,55 @@ TEST_P(PanelFlow, ASeparateCopyThatFailsForAUserWhoTickedTheBoxCanBeTriedAgain) 
 TEST_P(PanelFlow, AConflictSavedButNotClosedOffersContinueAgainWithoutASaveError) {
   SimDocument* document = OpenSynced(L"shared", kConflict, true);
   ASSERT_NE(document, nullptr);
-  flow_.Press(Panel(), 3006);
+  flow_.Press(Panel(), ControlId::ResolveConflict);
   document->SetRefusingClose(true);
-  flow_.Press(Panel(), 3008);
+  flow_.Press(Panel(), ControlId::SaveAndResolve);
   EXPECT_EQ(OnDisk(), kSavedOnce);
   EXPECT_EQ(flow_.app().FindDocument(path_), document);
   EXPECT_FALSE(Shows(Panel(), L"An error occurred while saving the file. Please ensure you have sufficient privileges "
                               L"and try again."));
   flow_.Tick();
-  ExpectPanelOnScreen(Panel(), {3007});
+  ExpectPanelOnScreen(Panel(), {ControlId::ContinueToResolve});
   EXPECT_FALSE(Record().choices.Has(UserChoice::resolveConflict));
 
   document->SetRefusingClose(false);
   HWND badge = Badge();
   HWND again = Panel();
-  flow_.Press(again, 3007);
+  flow_.Press(again, ControlId::ContinueToResolve);
   ExpectClosedAndForgotten(again, badge);
 }
 
 TEST_P(PanelFlow, ARenameSavedButNotClosedOffersContinueAgainWithoutASaveError) {
   SimDocument* document = OpenSynced(L"draft", Renamed(Named(L"draft"), Named(L"final")), true);
   ASSERT_NE(document, nullptr);
-  flow_.Press(Panel(), 3010);
+  flow_.Press(Panel(), ControlId::FollowRenameOrMove);
   document->SetRefusingClose(true);
-  flow_.Press(Panel(), 3012);
+  flow_.Press(Panel(), ControlId::SaveAndFollow);
   EXPECT_EQ(OnDisk(), kSavedOnce);
   EXPECT_EQ(flow_.app().FindDocument(path_), document);
   EXPECT_FALSE(Shows(Panel(), L"An error occurred while saving the file. Please ensure you have sufficient privileges "
                               L"and try again."));
   flow_.Tick();
-  ExpectPanelOnScreen(Panel(), {3011});
+  ExpectPanelOnScreen(Panel(), {ControlId::ContinueToFollow});
   EXPECT_FALSE(Record().choices.Has(UserChoice::retryRenameOrMove));
 
   document->SetRefusingClose(false);
   HWND badge = Badge();
   HWND again = Panel();
-  flow_.Press(again, 3011);
+  flow_.Press(again, ControlId::ContinueToFollow);
   ExpectClosedAndForgotten(again, badge);
 }
 
 TEST_P(PanelFlow, ARenameDiscardTheHostRefusesAsksAgainWithoutASaveError) {
   SimDocument* document = OpenSynced(L"draft", Renamed(Named(L"draft"), Named(L"final")), true);
   ASSERT_NE(document, nullptr);
-  flow_.Press(Panel(), 3010);
+  flow_.Press(Panel(), ControlId::FollowRenameOrMove);
   document->SetRefusingClose(true);
-  flow_.Press(Panel(), 3013);
+  flow_.Press(Panel(), ControlId::DiscardAndFollow);
   EXPECT_FALSE(Shows(Panel(), L"An error occurred while saving the file. Please ensure you have sufficient privileges "
                               L"and try again."));
   flow_.Tick();
-  ExpectPanelOnScreen(Panel(), {3012, 3013});
+  ExpectPanelOnScreen(Panel(), {ControlId::SaveAndFollow, ControlId::DiscardAndFollow});
   ExpectStillOpenWithTheUsersChanges(document);
 }
 
@@ -986,23 +986,43 @@ TEST_P(PanelFlow, ACloseTheHostRefusesLeavesTheConfirmationToTryAgain) {
     const wchar_t* base;
     std::wstring story;
     bool edited;
-    int ask;  // the button that brings up the confirmation
-    std::vector<int> buttons;
-    int action;
+    ControlId ask;  // the button that brings up the confirmation
+    std::vector<ControlId> buttons;
+    ControlId action;
   } cases[] = {
-      {L"report", kNewVersionOnTheWeb, true, 3001, {3004, 3005}, 3005},
-      {L"shared", kConflict, false, 3006, {3007}, 3007},
-      {L"shared", kConflict, true, 3006, {3008, 3009}, 3009},
-      {L"draft", Renamed(Named(L"draft"), Named(L"final")), false, 3010, {3011}, 3011},
+      {L"report",
+       kNewVersionOnTheWeb,
+       true,
+       ControlId::Download,
+       {ControlId::SaveCopyAndReload, ControlId::DiscardAndReload},
+       ControlId::DiscardAndReload},
+      {L"shared",
+       kConflict,
+       false,
+       ControlId::ResolveConflict,
+       {ControlId::ContinueToResolve},
+       ControlId::ContinueToResolve},
+      {L"shared",
+       kConflict,
+       true,
+       ControlId::ResolveConflict,
+       {ControlId::SaveAndResolve, ControlId::DiscardAndResolve},
+       ControlId::DiscardAndResolve},
+      {L"draft",
+       Renamed(Named(L"draft"), Named(L"final")),
+       false,
+       ControlId::FollowRenameOrMove,
+       {ControlId::ContinueToFollow},
+       ControlId::ContinueToFollow},
   };
   for (const auto& c : cases) {
-    SCOPED_TRACE(c.action);
+    SCOPED_TRACE(static_cast<int>(c.action));
     SimDocument* document = OpenSynced(c.base, c.story, c.edited);
     ASSERT_NE(document, nullptr);
     flow_.Press(Panel(), c.ask);
-    if (c.action == 3005) {  // the download must finish before the reload
+    if (c.action == ControlId::DiscardAndReload) {  // the download must finish before the reload
       flow_.CycleAndTick();
-      ExpectPanelOnScreen(Panel(), {3004, 3005});
+      ExpectPanelOnScreen(Panel(), {ControlId::SaveCopyAndReload, ControlId::DiscardAndReload});
     }
     ExpectPanelOnScreen(Panel(), c.buttons);
     document->SetRefusingClose(true);
@@ -1023,17 +1043,17 @@ TEST_P(PanelFlow, ACloseTheHostRefusesLeavesTheConfirmationToTryAgain) {
 TEST_P(PanelFlow, TheConflictConfirmationAsksAboutChangesOnceThereAreSome) {
   SimDocument* document = OpenSynced(L"shared", kConflict, false);
   ASSERT_NE(document, nullptr);
-  flow_.Press(Panel(), 3006);
-  ExpectPanelOnScreen(Panel(), {3007});
+  flow_.Press(Panel(), ControlId::ResolveConflict);
+  ExpectPanelOnScreen(Panel(), {ControlId::ContinueToResolve});
 
   document->MarkEdited();
   flow_.Tick();
-  ExpectPanelOnScreen(Panel(), {3008, 3009});
+  ExpectPanelOnScreen(Panel(), {ControlId::SaveAndResolve, ControlId::DiscardAndResolve});
   EXPECT_TRUE(Record().choices.Has(UserChoice::conflictAskShown));
 
   ASSERT_TRUE(document->Save());
   flow_.Tick();
-  ExpectPanelOnScreen(Panel(), {3007});
+  ExpectPanelOnScreen(Panel(), {ControlId::ContinueToResolve});
   EXPECT_FALSE(Record().choices.Has(UserChoice::conflictAskShown));
 }
 
@@ -1044,15 +1064,15 @@ TEST_P(PanelFlow, TheConflictConfirmationAsksAboutChangesOnceThereAreSome) {
 TEST_P(PanelFlow, ContinueOnAConflictAsksAboutChangesTypedSinceItWasOffered) {
   SimDocument* document = OpenSynced(L"shared", kConflict, false);
   ASSERT_NE(document, nullptr);
-  flow_.Press(Panel(), 3006);
+  flow_.Press(Panel(), ControlId::ResolveConflict);
   HWND confirm = Panel();
-  ExpectPanelOnScreen(confirm, {3007});
+  ExpectPanelOnScreen(confirm, {ControlId::ContinueToResolve});
   const size_t requestsBefore = flow_.Requests().size();
 
   document->MarkEdited();
   flow_.ClearLog();
-  flow_.Press(confirm, 3007);
-  ExpectPanelOnScreen(Panel(), {3008, 3009});
+  flow_.Press(confirm, ControlId::ContinueToResolve);
+  ExpectPanelOnScreen(Panel(), {ControlId::SaveAndResolve, ControlId::DiscardAndResolve});
   EXPECT_TRUE(Record().choices.Has(UserChoice::conflictAskShown));
   EXPECT_FALSE(Record().choices.Has(UserChoice::resolveConflict));
   EXPECT_EQ(flow_.Messages(), std::vector<std::string>{"resolve conflict continue button clicked: " + P()});
@@ -1063,15 +1083,15 @@ TEST_P(PanelFlow, ContinueOnAConflictAsksAboutChangesTypedSinceItWasOffered) {
 TEST_P(PanelFlow, ContinueOnARenameAsksAboutChangesTypedSinceItWasOffered) {
   SimDocument* document = OpenSynced(L"draft", Renamed(Named(L"draft"), Named(L"final")), false);
   ASSERT_NE(document, nullptr);
-  flow_.Press(Panel(), 3010);
+  flow_.Press(Panel(), ControlId::FollowRenameOrMove);
   HWND confirm = Panel();
-  ExpectPanelOnScreen(confirm, {3011});
+  ExpectPanelOnScreen(confirm, {ControlId::ContinueToFollow});
   const size_t requestsBefore = flow_.Requests().size();
 
   document->MarkEdited();
   flow_.ClearLog();
-  flow_.Press(confirm, 3011);
-  ExpectPanelOnScreen(Panel(), {3012, 3013});
+  flow_.Press(confirm, ControlId::ContinueToFollow);
+  ExpectPanelOnScreen(Panel(), {ControlId::SaveAndFollow, ControlId::DiscardAndFollow});
   EXPECT_TRUE(Record().choices.Has(UserChoice::renameMoveAskShown));
   EXPECT_FALSE(Record().choices.Has(UserChoice::retryRenameOrMove));
   EXPECT_EQ(flow_.Messages(), std::vector<std::string>{"rename/move continue button clicked: " + P()});
@@ -1082,35 +1102,35 @@ TEST_P(PanelFlow, ContinueOnARenameAsksAboutChangesTypedSinceItWasOffered) {
 TEST_P(PanelFlow, TheRenameConfirmationAsksAboutChangesOnceThereAreSome) {
   SimDocument* document = OpenSynced(L"draft", Renamed(Named(L"draft"), Named(L"final")), false);
   ASSERT_NE(document, nullptr);
-  flow_.Press(Panel(), 3010);
-  ExpectPanelOnScreen(Panel(), {3011});
+  flow_.Press(Panel(), ControlId::FollowRenameOrMove);
+  ExpectPanelOnScreen(Panel(), {ControlId::ContinueToFollow});
 
   document->MarkEdited();
   flow_.Tick();
-  ExpectPanelOnScreen(Panel(), {3012, 3013});
+  ExpectPanelOnScreen(Panel(), {ControlId::SaveAndFollow, ControlId::DiscardAndFollow});
   EXPECT_TRUE(Record().choices.Has(UserChoice::renameMoveAskShown));
 
   ASSERT_TRUE(document->Save());
   flow_.Tick();
-  ExpectPanelOnScreen(Panel(), {3011});
+  ExpectPanelOnScreen(Panel(), {ControlId::ContinueToFollow});
   EXPECT_FALSE(Record().choices.Has(UserChoice::renameMoveAskShown));
 }
 
 TEST_P(PanelFlow, TheReloadConfirmationAsksAboutChangesOnceThereAreSome) {
   SimDocument* document = OpenSynced(L"report", kNewVersionOnTheWeb, false);
   ASSERT_NE(document, nullptr);
-  flow_.Press(Panel(), 3001);
+  flow_.Press(Panel(), ControlId::Download);
   flow_.CycleAndTick();
-  ExpectPanelOnScreen(Panel(), {3003});
+  ExpectPanelOnScreen(Panel(), {ControlId::Reload});
 
   document->MarkEdited();
   flow_.Tick();
-  ExpectPanelOnScreen(Panel(), {3004, 3005});
+  ExpectPanelOnScreen(Panel(), {ControlId::SaveCopyAndReload, ControlId::DiscardAndReload});
   EXPECT_TRUE(Record().choices.Has(UserChoice::reloadPromptAskSave));
 
   ASSERT_TRUE(document->Save());
   flow_.Tick();
-  ExpectPanelOnScreen(Panel(), {3003});
+  ExpectPanelOnScreen(Panel(), {ControlId::Reload});
   EXPECT_TRUE(Record().choices.Has(UserChoice::reloadPromptPlain));
 }
 

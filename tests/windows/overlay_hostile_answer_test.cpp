@@ -105,7 +105,8 @@ struct MemberRow {
 MemberRow RowNamed(HWND panel, const std::wstring& name) {
   const std::vector<ChildRow> children = ChildrenOf(panel);
   for (size_t i = 1; i < children.size(); ++i) {
-    if (children[i].id == 2004 && children[i].text == name) return {children[i - 1].window, children[i].window};
+    if (children[i].id == ControlId::MemberRow && children[i].text == name)
+      return {children[i - 1].window, children[i].window};
   }
   return {};
 }
@@ -273,8 +274,8 @@ TEST_F(HostileAnswer, ARenameToAMegabytePlaceWithAnOverrideShowsBothPlacesCleane
   Tick();
   const HWND panel = PanelOf(path);
   ASSERT_NE(panel, nullptr);
-  const HWND from = ChildWithId(panel, 5001);
-  const HWND to = ChildWithId(panel, 5002);
+  const HWND from = ChildWithId(panel, ControlId::PreviousName);
+  const HWND to = ChildWithId(panel, ControlId::NewName);
   ASSERT_NE(from, nullptr);
   ASSERT_NE(to, nullptr);
   EXPECT_EQ(TextOf(from), L"reportxcod.exe" + std::wstring(1024 - 14 - 1, L'a') + kEllipsis);

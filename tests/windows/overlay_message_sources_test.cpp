@@ -12,14 +12,15 @@
 #include <vector>
 
 #include "overlay/layouts/help_links.h"
+#include "overlay/windows/control_colours.h"
 #include "overlay/windows/link_opener.h"
 #include "tests/windows/sync_sim_process.h"
 #include "tests/windows/tick_test_support.h"
 #include "tests/windows/wine_test_support.h"
 
 namespace {
-constexpr int kHide = 3014;
-constexpr int kDiscardAndReload = 3005;
+constexpr int kHide = static_cast<int>(ControlId::Hide);
+constexpr int kDiscardAndReload = static_cast<int>(ControlId::DiscardAndReload);
 
 const std::wstring kCollaborationArticle =
     L"https://help.qelvo.com/portal/kb/filewell/sync/filewell-sync/articles/"
@@ -65,7 +66,7 @@ class PanelMessages : public testing::Test {
     panel_ = PanelOf(path_);
     ASSERT_NE(panel_, nullptr);
     ASSERT_TRUE(IsWindowVisible(panel_));
-    hide_ = ChildWithId(panel_, kHide);
+    hide_ = ChildWithId(panel_, ControlId::Hide);
     ASSERT_NE(hide_, nullptr);
     record_ = FreshTempPath(L"syncsim-forged-requests.txt");
     ASSERT_TRUE(syncSim_.Start(L"--record " + Quoted(record_) + L" --run-ms 60000"));
@@ -290,8 +291,8 @@ DWORD WINAPI DrawFromAnotherThread(void* parameter) {
   return 0;
 }
 
-// A child of the panel with the hide button's id and no region yet: a
-// drawing request that is carried out gives it its rounded corners.
+// A child of the panel with the hide button's id and look and no region
+// yet: a drawing request that is carried out gives it its rounded corners.
 class DrawingRequests : public PanelMessages {
  protected:
   void SetUp() override {
@@ -299,6 +300,7 @@ class DrawingRequests : public PanelMessages {
     probe_ = CreateWindowExW(0, L"STATIC", L"probe", WS_CHILD | WS_VISIBLE, 0, 0, 40, 20, panel_,
                              reinterpret_cast<HMENU>(static_cast<INT_PTR>(kHide)), nullptr, nullptr);
     ASSERT_NE(probe_, nullptr);
+    RememberControlLook(probe_, ColourRole::Plain, ButtonLook::Quiet, ButtonShape::Rounded);
     dc_ = GetDC(probe_);
     item_.CtlType = ODT_BUTTON;
     item_.CtlID = kHide;

@@ -80,29 +80,29 @@ const std::wstring kPermissionsLink = Anchor(L"/portal/kb/articles/team-folder-r
 constexpr int kLearnMoreWidth = 81;
 constexpr int kHideX = 121;
 
-ChildRow Text(const std::wstring& text, int id, int x, int y, int w, int h, FontLook font, int parent = 0) {
+ChildRow Text(const std::wstring& text, ControlId id, int x, int y, int w, int h, FontLook font, int parent = 0) {
   return {L"Static", text, id, x, y, w, h, kText, font, parent};
 }
-ChildRow Ellipsis(const std::wstring& text, int id, int x, int y, int w, int h, FontLook font, int parent = 0) {
+ChildRow Ellipsis(const std::wstring& text, ControlId id, int x, int y, int w, int h, FontLook font, int parent = 0) {
   return {L"Static", text, id, x, y, w, h, kEllipsisText, font, parent};
 }
-ChildRow Time(const std::wstring& text, int id, int x, int y, int w, int h, FontLook font) {
+ChildRow Time(const std::wstring& text, ControlId id, int x, int y, int w, int h, FontLook font) {
   return {L"Static", text, id, x, y, w, h, kPlainText, font, 0};
 }
 ChildRow Picture(int x, int y, int w, int h, int parent = 0) {
-  return {L"Static", L"", 0, x, y, w, h, kImage, kNoFont, parent};
+  return {L"Static", L"", ControlId::None, x, y, w, h, kImage, kNoFont, parent};
 }
-ChildRow Button(const std::wstring& text, int id, int x, int y, int w, int h) {
+ChildRow Button(const std::wstring& text, ControlId id, int x, int y, int w, int h) {
   return {L"Button", text, id, x, y, w, h, kButton, kBodyFont, 0};
 }
-ChildRow BorderedButton(const std::wstring& text, int id, int x, int y, int w, int h) {
+ChildRow BorderedButton(const std::wstring& text, ControlId id, int x, int y, int w, int h) {
   return {L"Button", text, id, x, y, w, h, kBorderedButton, kBodyFont, 0};
 }
 ChildRow Link(const std::wstring& text, int x, int y, int w, int h) {
-  return {L"SysLink", text, 0, x, y, w, h, kLink, kBodyFont, 0};
+  return {L"SysLink", text, ControlId::None, x, y, w, h, kLink, kBodyFont, 0};
 }
 ChildRow Marquee(int x, int y, int w, int h) {
-  return {L"msctls_progress32", L"", 0, x, y, w, h, kMarquee, kNoFont, 0};
+  return {L"msctls_progress32", L"", ControlId::None, x, y, w, h, kMarquee, kNoFont, 0};
 }
 
 void Append(std::vector<ChildRow>& rows, const std::vector<ChildRow>& more) {
@@ -212,28 +212,28 @@ TEST_P(PanelVariant, ShowsOnScreenWhiteInsideItsBorder) {
 
 std::vector<ChildRow> SafeToEditWithSection() {
   return {
-      Text(L"No active collaborators", 1001, 15, 15, 370, 25, kDefaultBoldFont),
-      Text(L"No other users are currently viewing or editing this file. You can safely make changes.", 1004, 15, 45,
-           370, 40, kBodyFont),
-      Text(kUnderscores78, 1005, 0, 85, 400, 20, kNoFont),
-      Text(L"LAST MODIFIED BY", 1004, 20, 115, 360, 25, kSectionFont),
+      Text(L"No active collaborators", ControlId::Title, 15, 15, 370, 25, kDefaultBoldFont),
+      Text(L"No other users are currently viewing or editing this file. You can safely make changes.",
+           ControlId::Description, 15, 45, 370, 40, kBodyFont),
+      Text(kUnderscores78, ControlId::Rule, 0, 85, 400, 20, kNoFont),
+      Text(L"LAST MODIFIED BY", ControlId::Description, 20, 115, 360, 25, kSectionFont),
       Picture(20, 145, 40, 40),
-      Ellipsis(L"Ann Lee", 0, 75, 145, 305, 20, kTitleFont),
-      Time(L"Modified on 2026-03-01 10:15", 1004, 75, 165, 305, 20, kBodyFont),
-      Text(kUnderscores78, 1005, 0, 185, 400, 20, kNoFont),
+      Ellipsis(L"Ann Lee", ControlId::None, 75, 145, 305, 20, kTitleFont),
+      Time(L"Modified on 2026-03-01 10:15", ControlId::Description, 75, 165, 305, 20, kBodyFont),
+      Text(kUnderscores78, ControlId::Rule, 0, 185, 400, 20, kNoFont),
       Link(kCollaborationLink, 20, 215, kLearnMoreWidth, 20),
-      Button(L"Hide", 3014, kHideX, 215, 40, 20),
+      Button(L"Hide", ControlId::Hide, kHideX, 215, 40, 20),
   };
 }
 
 std::vector<ChildRow> SafeToEditWithoutSection() {
   return {
-      Text(L"No active collaborators", 1001, 15, 15, 370, 25, kDefaultBoldFont),
-      Text(L"No other users are currently viewing or editing this file. You can safely make changes.", 1004, 15, 45,
+      Text(L"No active collaborators", ControlId::Title, 15, 15, 370, 25, kDefaultBoldFont),
+      Text(L"No other users are currently viewing or editing this file. You can safely make changes.", ControlId::Description, 15, 45,
            370, 40, kBodyFont),
-      Text(kUnderscores78, 1005, 0, 85, 400, 20, kNoFont),
+      Text(kUnderscores78, ControlId::Rule, 0, 85, 400, 20, kNoFont),
       Link(kCollaborationLink, 20, 115, kLearnMoreWidth, 20),
-      Button(L"Hide", 3014, kHideX, 115, 40, 20),
+      Button(L"Hide", ControlId::Hide, kHideX, 115, 40, 20),
   };
 }
 
@@ -247,10 +247,10 @@ std::vector<ChildRow> MemberRow(int k, const std::wstring& name, bool editor) {
   const int t = 15 + 55 * (k - 1);
   return {
       Picture(20, t, 40, 40, kListRow),
-      Ellipsis(name, 2004, 75, t, 305, 20, kTitleFont, kListRow),
-      {editor ? L"QelvoFilewellSync-MSOfficeAddin-RedUI" : L"QelvoFilewellSync-MSOfficeAddin-GreenUI", L"", 0, 75,
-       t + 22, 12, 12, kPlainChild, kNoFont, kListRow},
-      Text(editor ? L"Editing now" : L"Viewing now", 2004, 95, t + 20, 305, 20, kBodyFont, kListRow),
+      Ellipsis(name, ControlId::MemberRow, 75, t, 305, 20, kTitleFont, kListRow),
+      {editor ? L"QelvoFilewellSync-MSOfficeAddin-RedUI" : L"QelvoFilewellSync-MSOfficeAddin-GreenUI", L"",
+       ControlId::None, 75, t + 22, 12, 12, kPlainChild, kNoFont, kListRow},
+      Text(editor ? L"Editing now" : L"Viewing now", ControlId::MemberRow, 95, t + 20, 305, 20, kBodyFont, kListRow),
   };
 }
 
@@ -280,20 +280,20 @@ std::vector<ChildRow> InZOrderAfterTheListShrank(const std::vector<ChildRow>& de
 // The "LAST MODIFIED BY" section from its rule at s.
 std::vector<ChildRow> ActiveUsersSection(int s) {
   return {
-      Text(kHyphens111, 1005, 0, s, 400, 25, kNoFont),
-      Text(L"LAST MODIFIED BY", 1004, 20, s + 30, 360, 25, kSectionFont),
+      Text(kHyphens111, ControlId::Rule, 0, s, 400, 25, kNoFont),
+      Text(L"LAST MODIFIED BY", ControlId::Description, 20, s + 30, 360, 25, kSectionFont),
       Picture(20, s + 65, 40, 40),
-      Ellipsis(L"Ann Lee", 0, 75, s + 65, 305, 20, kTitleFont),
-      Time(L"Modified on 2026-03-01 10:15", 1004, 75, s + 85, 305, 20, kBodyFont),
+      Ellipsis(L"Ann Lee", ControlId::None, 75, s + 65, 305, 20, kTitleFont),
+      Time(L"Modified on 2026-03-01 10:15", ControlId::Description, 75, s + 85, 305, 20, kBodyFont),
   };
 }
 
 // The last rule, the link and "Hide" from the rule at r.
 std::vector<ChildRow> ActiveUsersFoot(int r) {
   return {
-      Text(kHyphens111, 1005, 0, r, 400, 25, kNoFont),
+      Text(kHyphens111, ControlId::Rule, 0, r, 400, 25, kNoFont),
       Link(kCollaborationLink, 20, r + 25, kLearnMoreWidth, 20),
-      Button(L"Hide", 3014, kHideX, r + 25, 40, 20),
+      Button(L"Hide", ControlId::Hide, kHideX, r + 25, 40, 20),
   };
 }
 
@@ -320,11 +320,11 @@ std::function<HWND()> ActiveUsers(const MemberNames& editors, const MemberNames&
 // row (55 + 5), the section, the foot.
 std::vector<ChildRow> OneViewerWithSection() {
   std::vector<ChildRow> rows = {
-      Text(L"Another user is viewing this file", 1002, 20, 20, 360, 30, kDefaultBoldFont),
-      Text(kViewingAdvice, 1004, 20, 50, 360, 25, kBodyFont),
-      Text(kHyphens111, 1005, 0, 70, 400, 25, kNoFont),
-      Text(L"LIVE MEMBERS ( 1 )", 1004, 20, 100, 360, 25, kSectionFont),
-      {L"QelvoFilewellSync-MSOfficeAddin-MainUI", L"", 5001, 0, 125, 400, 60, kPlainChild, kNoFont, 0},
+      Text(L"Another user is viewing this file", ControlId::ViewingTitle, 20, 20, 360, 30, kDefaultBoldFont),
+      Text(kViewingAdvice, ControlId::Description, 20, 50, 360, 25, kBodyFont),
+      Text(kHyphens111, ControlId::Rule, 0, 70, 400, 25, kNoFont),
+      Text(L"LIVE MEMBERS ( 1 )", ControlId::Description, 20, 100, 360, 25, kSectionFont),
+      {L"QelvoFilewellSync-MSOfficeAddin-MainUI", L"", ControlId::List, 0, 125, 400, 60, kPlainChild, kNoFont, 0},
   };
   Append(rows, MemberRow(1, L"Viewer 10", false));
   Append(rows, ActiveUsersSection(185));
@@ -334,11 +334,11 @@ std::vector<ChildRow> OneViewerWithSection() {
 
 std::vector<ChildRow> TwoViewersWithSection() {
   std::vector<ChildRow> rows = {
-      Text(L"Multiple users are viewing this file", 1002, 20, 20, 360, 30, kDefaultBoldFont),
-      Text(kViewingAdvice, 1004, 20, 50, 360, 25, kBodyFont),
-      Text(kHyphens111, 1005, 0, 70, 400, 25, kNoFont),
-      Text(L"LIVE MEMBERS ( 2 )", 1004, 20, 100, 360, 25, kSectionFont),
-      {L"QelvoFilewellSync-MSOfficeAddin-MainUI", L"", 5001, 0, 125, 400, 115, kPlainChild, kNoFont, 0},
+      Text(L"Multiple users are viewing this file", ControlId::ViewingTitle, 20, 20, 360, 30, kDefaultBoldFont),
+      Text(kViewingAdvice, ControlId::Description, 20, 50, 360, 25, kBodyFont),
+      Text(kHyphens111, ControlId::Rule, 0, 70, 400, 25, kNoFont),
+      Text(L"LIVE MEMBERS ( 2 )", ControlId::Description, 20, 100, 360, 25, kSectionFont),
+      {L"QelvoFilewellSync-MSOfficeAddin-MainUI", L"", ControlId::List, 0, 125, 400, 115, kPlainChild, kNoFont, 0},
   };
   Append(rows, MemberRow(1, L"Viewer 10", false));
   Append(rows, MemberRow(2, L"Viewer 11", false));
@@ -351,11 +351,11 @@ std::vector<ChildRow> TwoViewersWithSection() {
 // viewers in the order of their identifiers.
 std::vector<ChildRow> OneEditorThreeViewersWithSection() {
   std::vector<ChildRow> rows = {
-      Text(L"Another user is editing this file", 1003, 20, 20, 360, 30, kDefaultBoldFont),
-      Text(kOneEditorAdvice, 1004, 20, 50, 360, 56, kBodyFont),
-      Text(kHyphens111, 1005, 0, 101, 400, 25, kNoFont),
-      Text(L"LIVE MEMBERS ( 4 )", 1004, 20, 131, 360, 25, kSectionFont),
-      {L"QelvoFilewellSync-MSOfficeAddin-MainUI", L"", 5001, 0, 156, 400, 225, kPlainChild, kNoFont, 0},
+      Text(L"Another user is editing this file", ControlId::EditingTitle, 20, 20, 360, 30, kDefaultBoldFont),
+      Text(kOneEditorAdvice, ControlId::Description, 20, 50, 360, 56, kBodyFont),
+      Text(kHyphens111, ControlId::Rule, 0, 101, 400, 25, kNoFont),
+      Text(L"LIVE MEMBERS ( 4 )", ControlId::Description, 20, 131, 360, 25, kSectionFont),
+      {L"QelvoFilewellSync-MSOfficeAddin-MainUI", L"", ControlId::List, 0, 156, 400, 225, kPlainChild, kNoFont, 0},
   };
   Append(rows, MemberRow(1, L"Bob Stone", true));
   Append(rows, MemberRow(2, L"Cat", false));
@@ -374,12 +374,12 @@ std::vector<ChildRow> ViewersList(int n, bool section) {
   const int content = 55 * n + (section ? 5 : 0);
   const int listHeight = scrolling ? 460 : content;
   std::vector<ChildRow> rows = {
-      Text(L"Multiple users are viewing this file", 1002, 20, 20, 360, 30, kDefaultBoldFont),
-      Text(kViewingAdvice, 1004, 20, 50, 360, 25, kBodyFont),
-      Text(kHyphens111, 1005, 0, 70, 400, 25, kNoFont),
-      Text(L"LIVE MEMBERS ( " + std::to_wstring(n) + L" )", 1004, 20, 100, 360, 25, kSectionFont),
+      Text(L"Multiple users are viewing this file", ControlId::ViewingTitle, 20, 20, 360, 30, kDefaultBoldFont),
+      Text(kViewingAdvice, ControlId::Description, 20, 50, 360, 25, kBodyFont),
+      Text(kHyphens111, ControlId::Rule, 0, 70, 400, 25, kNoFont),
+      Text(L"LIVE MEMBERS ( " + std::to_wstring(n) + L" )", ControlId::Description, 20, 100, 360, 25, kSectionFont),
       {scrolling ? L"QelvoFilewellSync-MSOfficeAddin-VerWhiteScrollUI" : L"QelvoFilewellSync-MSOfficeAddin-MainUI", L"",
-       5001, 0, 125, 400, listHeight, scrolling ? kVerticalScrollArea : kPlainChild, kNoFont, 0},
+       ControlId::List, 0, 125, 400, listHeight, scrolling ? kVerticalScrollArea : kPlainChild, kNoFont, 0},
   };
   for (int k = 1; k <= n; ++k) Append(rows, MemberRow(k, L"Viewer " + std::to_wstring(9 + k), false));
   const int s = 125 + listHeight;
@@ -393,11 +393,11 @@ std::vector<ChildRow> ViewersList(int n, bool section) {
 // Two editors and ten viewers: plural advice (50 high), scrolling list.
 std::vector<ChildRow> TwelveMembersWithSection() {
   std::vector<ChildRow> rows = {
-      Text(L"Multiple users are editing this file", 1003, 20, 20, 360, 30, kDefaultBoldFont),
-      Text(kEditorsAdvice, 1004, 20, 50, 360, 56, kBodyFont),
-      Text(kHyphens111, 1005, 0, 101, 400, 25, kNoFont),
-      Text(L"LIVE MEMBERS ( 12 )", 1004, 20, 131, 360, 25, kSectionFont),
-      {L"QelvoFilewellSync-MSOfficeAddin-VerWhiteScrollUI", L"", 5001, 0, 156, 400, 460, kVerticalScrollArea, kNoFont,
+      Text(L"Multiple users are editing this file", ControlId::EditingTitle, 20, 20, 360, 30, kDefaultBoldFont),
+      Text(kEditorsAdvice, ControlId::Description, 20, 50, 360, 56, kBodyFont),
+      Text(kHyphens111, ControlId::Rule, 0, 101, 400, 25, kNoFont),
+      Text(L"LIVE MEMBERS ( 12 )", ControlId::Description, 20, 131, 360, 25, kSectionFont),
+      {L"QelvoFilewellSync-MSOfficeAddin-VerWhiteScrollUI", L"", ControlId::List, 0, 156, 400, 460, kVerticalScrollArea, kNoFont,
        0},
   };
   Append(rows, MemberRow(1, L"Bob Stone", true));
@@ -428,8 +428,8 @@ std::function<HWND()> Download(bool details, bool editing, bool downloading) {
 std::vector<ChildRow> DownloadDetails(int w) {
   return {
       Picture(20, 55, 40, 40),
-      Ellipsis(L"Ann Lee", 0, 70, 55, w - 90, 25, kTitleFont),
-      Time(L"Modified on 2026-03-01 10:15", 1004, 70, 80, w - 90, 25, kBodyFont),
+      Ellipsis(L"Ann Lee", ControlId::None, 70, 55, w - 90, 25, kTitleFont),
+      Time(L"Modified on 2026-03-01 10:15", ControlId::Description, 70, 80, w - 90, 25, kBodyFont),
   };
 }
 
@@ -441,16 +441,16 @@ const wchar_t kNewName[] = L"Budget 2026 final.xlsx";
 std::vector<ChildRow> RenameMoveRows(const std::wstring& title, const std::wstring& description,
                                      const std::wstring& first, const std::wstring& second, bool button) {
   std::vector<ChildRow> rows = {
-      Text(title, 0, 20, 20, 360, 25, kTitleFont),
-      Text(description, 1004, 20, 45, 360, 50, kBodyFont),
-      Text(first, 0, 20, 95, 360, 25, kOverlayTitleFont),
-      {L"QelvoFilewellSync-MSOfficeAddin-LightGreyHorScrollUI", kOldName, 5001, 20, 120, 360, 60, kHorizontalScrollArea,
-       kNoFont, 0},
-      Text(second, 0, 20, 200, 360, 25, kOverlayTitleFont),
-      {L"QelvoFilewellSync-MSOfficeAddin-LightBlueHorScrollUI", kNewName, 5002, 20, 225, 360, 60, kHorizontalScrollArea,
-       kBodyFont, 0},
+      Text(title, ControlId::None, 20, 20, 360, 25, kTitleFont),
+      Text(description, ControlId::Description, 20, 45, 360, 50, kBodyFont),
+      Text(first, ControlId::None, 20, 95, 360, 25, kOverlayTitleFont),
+      {L"QelvoFilewellSync-MSOfficeAddin-LightGreyHorScrollUI", kOldName, ControlId::PreviousName, 20, 120, 360, 60,
+       kHorizontalScrollArea, kNoFont, 0},
+      Text(second, ControlId::None, 20, 200, 360, 25, kOverlayTitleFont),
+      {L"QelvoFilewellSync-MSOfficeAddin-LightBlueHorScrollUI", kNewName, ControlId::NewName, 20, 225, 360, 60,
+       kHorizontalScrollArea, kBodyFont, 0},
   };
-  if (button) rows.push_back(Button(L"Reload", 3010, 20, 305, 120, 40));
+  if (button) rows.push_back(Button(L"Reload", ControlId::FollowRenameOrMove, 20, 305, 120, 40));
   return rows;
 }
 
@@ -499,65 +499,71 @@ std::vector<Variant> AllVariants() {
 
   // Download, by editing, downloading and whether details are known.
   {
-    std::vector<ChildRow> rows = {Text(kModified, 0, 20, 20, 360, 25, kTitleFont)};
+    std::vector<ChildRow> rows = {Text(kModified, ControlId::None, 20, 20, 360, 25, kTitleFont)};
     Append(rows, DownloadDetails(400));
-    rows.push_back(Button(kDownloadLatest, 3001, 20, 120, 240, 40));
+    rows.push_back(Button(kDownloadLatest, ControlId::Download, 20, 120, 240, 40));
     add("DownloadDetailsKnown", Download(true, false, false), 400, 175, Opens::Above, rows);
   }
   add("DownloadDetailsNotKnown", Download(false, false, false), 320, 145, Opens::Above,
-      {Text(kModified, 0, 55, 20, 250, 25, kTitleFont), Text(kRetrieving, 0, 65, 45, 200, 25, kWaitItalicFont),
-       Button(kDownloadLatest, 3001, 55, 85, 240, 40)});
+      {Text(kModified, ControlId::None, 55, 20, 250, 25, kTitleFont),
+       Text(kRetrieving, ControlId::None, 65, 45, 200, 25, kWaitItalicFont),
+       Button(kDownloadLatest, ControlId::Download, 55, 85, 240, 40)});
   {
-    std::vector<ChildRow> rows = {Text(kModified, 0, 20, 20, 360, 25, kTitleFont)};
+    std::vector<ChildRow> rows = {Text(kModified, ControlId::None, 20, 20, 360, 25, kTitleFont)};
     Append(rows, DownloadDetails(400));
-    rows.push_back({L"Button", kSaveCopy, 4001, 20, 120, 360, 40, kCheckBox, kBodyFont, 0});
-    rows.push_back(Button(kDownloadLatest, 3001, 20, 160, 240, 40));
+    rows.push_back({L"Button", kSaveCopy, ControlId::SaveSeparateCopy, 20, 120, 360, 40, kCheckBox, kBodyFont, 0});
+    rows.push_back(Button(kDownloadLatest, ControlId::Download, 20, 160, 240, 40));
     add("DownloadEditingDetailsKnown", Download(true, true, false), 400, 215, Opens::Above, rows);
   }
   add("DownloadEditingDetailsNotKnown", Download(false, true, false), 400, 185, Opens::Above,
-      {Text(kModified, 0, 20, 20, 250, 25, kTitleFont), Text(kRetrieving, 0, 20, 45, 200, 25, kWaitItalicFont),
-       {L"Button", kSaveCopy, 4001, 20, 85, 360, 40, kCheckBox, kBodyFont, 0},
-       Button(kDownloadLatest, 3001, 20, 125, 240, 40)});
+      {Text(kModified, ControlId::None, 20, 20, 250, 25, kTitleFont),
+       Text(kRetrieving, ControlId::None, 20, 45, 200, 25, kWaitItalicFont),
+       {L"Button", kSaveCopy, ControlId::SaveSeparateCopy, 20, 85, 360, 40, kCheckBox, kBodyFont, 0},
+       Button(kDownloadLatest, ControlId::Download, 20, 125, 240, 40)});
   {
-    std::vector<ChildRow> rows = {Text(kModified, 0, 20, 20, 360, 25, kTitleFont)};
+    std::vector<ChildRow> rows = {Text(kModified, ControlId::None, 20, 20, 360, 25, kTitleFont)};
     Append(rows, DownloadDetails(400));
-    rows.push_back(Button(kDownloading, 3002, 20, 120, 200, 40));
+    rows.push_back(Button(kDownloading, ControlId::Downloading, 20, 120, 200, 40));
     rows.push_back(Marquee(0, 168, 400, 7));
     add("DownloadingEditingDetailsKnown", Download(true, true, true), 400, 175, Opens::Above, rows);
   }
   add("DownloadingEditingDetailsNotKnown", Download(false, true, true), 330, 145, Opens::Above,
-      {Text(kModified, 0, 60, 20, 250, 25, kTitleFont), Text(kRetrieving, 0, 70, 45, 200, 25, kWaitItalicFont),
-       Button(kDownloading, 3002, 60, 85, 200, 40), Marquee(0, 138, 330, 7)});
+      {Text(kModified, ControlId::None, 60, 20, 250, 25, kTitleFont),
+       Text(kRetrieving, ControlId::None, 70, 45, 200, 25, kWaitItalicFont),
+       Button(kDownloading, ControlId::Downloading, 60, 85, 200, 40), Marquee(0, 138, 330, 7)});
   add("DownloadingDetailsNotKnown", Download(false, false, true), 320, 145, Opens::Above,
-      {Text(kModified, 0, 60, 20, 250, 25, kTitleFont), Text(kRetrieving, 0, 70, 45, 200, 25, kWaitItalicFont),
-       Button(kDownloading, 3002, 60, 85, 200, 40), Marquee(0, 138, 320, 7)});
+      {Text(kModified, ControlId::None, 60, 20, 250, 25, kTitleFont),
+       Text(kRetrieving, ControlId::None, 70, 45, 200, 25, kWaitItalicFont),
+       Button(kDownloading, ControlId::Downloading, 60, 85, 200, 40), Marquee(0, 138, 320, 7)});
 
   // The conflict panel's warning icon is an SS_ICON static, which sizes
   // itself to the icon it is given (the system's 32 × 32 warning sign): the
   // 40 × 40 it is created with does not survive STM_SETIMAGE, on Windows as
   // under Wine.
   add("Conflict", [] { return CreateConflictPanel(OfficeWindow(), badge); }, 400, 170, Opens::Above,
-      {Text(L"File conflict occurred", 0, 20, 20, 360, 25, kTitleFont),
-       {L"Static", L"", 0, 20, 50, GetSystemMetrics(SM_CXICON), GetSystemMetrics(SM_CYICON), kIcon, kNoFont, 0},
-       Text(L"This file currently has a different version on the web compared to your computer.", 1004, 70, 55, 310,
-            40, kBodyFont),
-       Button(L"Resolve conflict", 3006, 20, 110, 170, 40)});
+      {Text(L"File conflict occurred", ControlId::None, 20, 20, 360, 25, kTitleFont),
+       {L"Static", L"", ControlId::None, 20, 50, GetSystemMetrics(SM_CXICON), GetSystemMetrics(SM_CYICON), kIcon,
+        kNoFont, 0},
+       Text(L"This file currently has a different version on the web compared to your computer.",
+            ControlId::Description, 70, 55, 310, 40, kBodyFont),
+       Button(L"Resolve conflict", ControlId::ResolveConflict, 20, 110, 170, 40)});
   add("Delete", [] { return CreateDeletePanel(OfficeWindow(), badge); }, 400, 186, Opens::Above,
-      {Text(L"This file has been deleted", 0, 20, 20, 360, 25, kTitleFont),
+      {Text(L"This file has been deleted", ControlId::None, 20, 20, 360, 25, kTitleFont),
        Text(L"Please close this file so that we can delete it on your computer. This file will not be available "
             L"anymore.",
-            1004, 20, 45, 360, 51, kBodyFont),
-       {L"QelvoFilewellSync-MSOfficeAddin-LightGreyUI", L"", 0, 20, 106, 360, 60, kPlainChild, kNoFont, 0},
-       Text(L"Note: If you want a copy of this file, go to File -> Save As.", 2002, 10, 10, 340, 40, kBodyFont, 3)});
+            ControlId::Description, 20, 45, 360, 51, kBodyFont),
+       {L"QelvoFilewellSync-MSOfficeAddin-LightGreyUI", L"", ControlId::None, 20, 106, 360, 60, kPlainChild, kNoFont, 0},
+       Text(L"Note: If you want a copy of this file, go to File -> Save As.", ControlId::Note, 10, 10, 340, 40,
+            kBodyFont, 3)});
   add("ErrorReadOnly", [] { return CreateErrorMessagePanel(OfficeWindow(), badge, true); }, 440, 110, Opens::Above,
       {Picture(20, 20, 21, 21),
-       Text(L"You can't make changes to this file, because the file has a read-only permission level.", 1004, 51, 20,
-            369, 40, kBodyFont),
+       Text(L"You can't make changes to this file, because the file has a read-only permission level.",
+            ControlId::Description, 51, 20, 369, 40, kBodyFont),
        Link(kPermissionsLink, 51, 70, 369, 20)});
   add("ErrorSaving", [] { return CreateErrorMessagePanel(OfficeWindow(), badge, false); }, 440, 80, Opens::Above,
       {Picture(20, 20, 21, 21),
        Text(L"An error occurred while saving the file. Please ensure you have sufficient privileges and try again.",
-            1004, 51, 20, 369, 40, kBodyFont)});
+            ControlId::Description, 51, 20, 369, 40, kBodyFont)});
 
   const wchar_t renamedDescription[] =
       L"Click \"Reload\" to reload and sync the renamed file from the web to your computer.";
@@ -577,44 +583,50 @@ std::vector<Variant> AllVariants() {
                      L"From", L"To", false));
 
   add("ConfirmConflictSaved", ConfirmLeave(false, true, false, false, false), 440, 130, Opens::Above,
-      {Text(L"Filewell Sync will close this file and open the Resolve Conflict window.", 0, 20, 20, 400, 40,
-            kBodyFont),
-       Button(L"Continue", 3007, 20, 70, 130, 40)});
+      {Text(L"Filewell Sync will close this file and open the Resolve Conflict window.", ControlId::None, 20, 20, 400,
+            40, kBodyFont),
+       Button(L"Continue", ControlId::ContinueToResolve, 20, 70, 130, 40)});
   add("ConfirmConflictUnsaved", ConfirmLeave(true, true, false, false, false), 440, 150, Opens::Above,
       {Text(L"Filewell Sync will close this file and open the Resolve Conflict window. Do you want to save your "
             L"changes before closing this file?",
-            0, 20, 20, 400, 60, kBodyFont),
-       Button(L"Save & Continue", 3008, 20, 90, 170, 40),
-       BorderedButton(L"Discard & Continue", 3009, 210, 90, 170, 40)});
+            ControlId::None, 20, 20, 400, 60, kBodyFont),
+       Button(L"Save & Continue", ControlId::SaveAndResolve, 20, 90, 170, 40),
+       BorderedButton(L"Discard & Continue", ControlId::DiscardAndResolve, 210, 90, 170, 40)});
   add("ConfirmDownloadSaved", ConfirmLeave(false, false, true, false, false), 440, 155, Opens::Above,
-      {Text(L"To load the latest version of this file, click \"Reload\".", 0, 20, 20, 400, 40, kBodyFont),
-       Text(kNote, 0, 20, 60, 200, 25, kBodyItalicFont), Button(L"Reload", 3003, 20, 95, 120, 40)});
+      {Text(L"To load the latest version of this file, click \"Reload\".", ControlId::None, 20, 20, 400, 40, kBodyFont),
+       Text(kNote, ControlId::None, 20, 60, 200, 25, kBodyItalicFont),
+       Button(L"Reload", ControlId::Reload, 20, 95, 120, 40)});
   add("ConfirmDownloadUnsaved", ConfirmLeave(true, false, true, false, false), 440, 175, Opens::Above,
       {Text(L"This file has unsaved changes. Do you want to save your changes as a separate copy before reloading "
             L"this file?",
-            0, 20, 20, 400, 60, kBodyFont),
-       Text(kNote, 0, 20, 80, 200, 25, kBodyItalicFont), Button(L"Save a copy & Reload", 3004, 20, 115, 180, 40),
-       BorderedButton(L"Discard & Reload", 3005, 220, 115, 180, 40)});
+            ControlId::None, 20, 20, 400, 60, kBodyFont),
+       Text(kNote, ControlId::None, 20, 80, 200, 25, kBodyItalicFont),
+       Button(L"Save a copy & Reload", ControlId::SaveCopyAndReload, 20, 115, 180, 40),
+       BorderedButton(L"Discard & Reload", ControlId::DiscardAndReload, 220, 115, 180, 40)});
   add("ConfirmRenameSaved", ConfirmLeave(false, false, false, true, false), 440, 165, Opens::Above,
-      {Text(L"Click \"Continue\" to reload and sync the renamed file from the web to your computer.", 0, 20, 20, 400,
-            40, kBodyFont),
-       Text(kNote, 0, 20, 70, 200, 25, kBodyItalicFont), Button(L"Continue", 3011, 20, 105, 130, 40)});
+      {Text(L"Click \"Continue\" to reload and sync the renamed file from the web to your computer.", ControlId::None,
+            20, 20, 400, 40, kBodyFont),
+       Text(kNote, ControlId::None, 20, 70, 200, 25, kBodyItalicFont),
+       Button(L"Continue", ControlId::ContinueToFollow, 20, 105, 130, 40)});
   add("ConfirmRenameUnsaved", ConfirmLeave(true, false, false, true, false), 440, 185, Opens::Above,
       {Text(L"This file has unsaved changes. Do you want to save your changes before reloading and syncing the "
             L"renamed file from the web to your computer?",
-            0, 20, 20, 400, 60, kBodyFont),
-       Text(kNote, 0, 20, 90, 200, 25, kBodyItalicFont), Button(L"Save & Continue", 3012, 20, 125, 170, 40),
-       BorderedButton(L"Discard & Continue", 3013, 210, 125, 170, 40)});
+            ControlId::None, 20, 20, 400, 60, kBodyFont),
+       Text(kNote, ControlId::None, 20, 90, 200, 25, kBodyItalicFont),
+       Button(L"Save & Continue", ControlId::SaveAndFollow, 20, 125, 170, 40),
+       BorderedButton(L"Discard & Continue", ControlId::DiscardAndFollow, 210, 125, 170, 40)});
   add("ConfirmMoveSaved", ConfirmLeave(false, false, false, false, true), 440, 165, Opens::Above,
-      {Text(L"Click \"Continue\" to reload and sync the file from the new location on the web to your computer.", 0,
-            20, 20, 400, 40, kBodyFont),
-       Text(kNote, 0, 20, 70, 200, 25, kBodyItalicFont), Button(L"Continue", 3011, 20, 105, 130, 40)});
+      {Text(L"Click \"Continue\" to reload and sync the file from the new location on the web to your computer.",
+            ControlId::None, 20, 20, 400, 40, kBodyFont),
+       Text(kNote, ControlId::None, 20, 70, 200, 25, kBodyItalicFont),
+       Button(L"Continue", ControlId::ContinueToFollow, 20, 105, 130, 40)});
   add("ConfirmMoveUnsaved", ConfirmLeave(true, false, false, false, true), 440, 185, Opens::Above,
       {Text(L"This file has unsaved changes. Do you want to save your changes before reloading and syncing the file "
             L"from the new location on the web to your computer?",
-            0, 20, 20, 400, 60, kBodyFont),
-       Text(kNote, 0, 20, 90, 200, 25, kBodyItalicFont), Button(L"Save & Continue", 3012, 20, 125, 170, 40),
-       BorderedButton(L"Discard & Continue", 3013, 210, 125, 170, 40)});
+            ControlId::None, 20, 20, 400, 60, kBodyFont),
+       Text(kNote, ControlId::None, 20, 90, 200, 25, kBodyItalicFont),
+       Button(L"Save & Continue", ControlId::SaveAndFollow, 20, 125, 170, 40),
+       BorderedButton(L"Discard & Continue", ControlId::DiscardAndFollow, 210, 125, 170, 40)});
   return variants;
 }
 
@@ -622,12 +634,12 @@ INSTANTIATE_TEST_SUITE_P(Every, PanelVariant, testing::ValuesIn(AllVariants()), 
 
 // --- Behaviours beyond the tables ---
 
-HWND ChildWithId(HWND parent, int id) { return GetDlgItem(parent, id); }
+HWND ChildWithId(HWND parent, ControlId id) { return GetDlgItem(parent, static_cast<int>(id)); }
 
 TEST_F(Panels, KeepsChildrenOfAHiddenPanelFlaggedVisibleButNotShown) {
   const UniqueOverlay panel(CreateConflictPanel(OfficeWindow(), badge));
   ASSERT_TRUE(panel);
-  const HWND button = ChildWithId(panel.get(), 3006);
+  const HWND button = ChildWithId(panel.get(), ControlId::ResolveConflict);
   ASSERT_NE(nullptr, button);
   EXPECT_EQ(static_cast<LONG>(WS_VISIBLE), GetWindowLongW(button, GWL_STYLE) & WS_VISIBLE);
   EXPECT_FALSE(IsWindowVisible(button));
@@ -718,7 +730,7 @@ TEST_F(Panels, ShowsTheSystemWarningIconInTheConflictPanel) {
 TEST_F(Panels, LeavesTheSaveCopyBoxUnticked) {
   const UniqueOverlay panel(CreateDownloadPanel(OfficeWindow(), badge, L"", L"", L"", true, false));
   ASSERT_TRUE(panel);
-  EXPECT_EQ(BST_UNCHECKED, SendMessageW(ChildWithId(panel.get(), 4001), BM_GETCHECK, 0, 0));
+  EXPECT_EQ(BST_UNCHECKED, SendMessageW(ChildWithId(panel.get(), ControlId::SaveSeparateCopy), BM_GETCHECK, 0, 0));
 }
 
 TEST_F(Panels, KeepsTheBodyFontForLaterPanelsOnceAPanelWithALinkIsDestroyed) {
@@ -730,7 +742,7 @@ TEST_F(Panels, KeepsTheBodyFontForLaterPanelsOnceAPanelWithALinkIsDestroyed) {
   ASSERT_TRUE(panel);
   const ChildRow description = ChildrenOf(panel.get()).at(2);
   EXPECT_EQ(L"This file currently has a different version on the web compared to your computer.", description.text);
-  EXPECT_EQ(Describe({L"Static", description.text, 1004, 70, 55, 310, 40, kText, kBodyFont, 0}),
+  EXPECT_EQ(Describe({L"Static", description.text, ControlId::Description, 70, 55, 310, 40, kText, kBodyFont, 0}),
             Describe(description));
 }
 
@@ -741,7 +753,7 @@ TEST_F(Panels, RoundsEachPaintedButtonWithinItsWholeWindow) {
   ASSERT_TRUE(panel);
   ShowWindow(panel.get(), SW_SHOWNA);
   RedrawWindow(panel.get(), nullptr, nullptr, RDW_INVALIDATE | RDW_UPDATENOW | RDW_ALLCHILDREN);
-  for (const int id : {3004, 3005}) {
+  for (const int id : {static_cast<int>(ControlId::SaveCopyAndReload), static_cast<int>(ControlId::DiscardAndReload)}) {
     const HWND button = GetDlgItem(panel.get(), id);
     ASSERT_NE(nullptr, button) << id;
     const UniqueResource<GdiObjectTraits<HRGN>> region(CreateRectRgn(0, 0, 0, 0));
@@ -828,3 +840,84 @@ INSTANTIATE_TEST_SUITE_P(
                 "confirm leave file UI")),
     [](const testing::TestParamInfo<FailingStep>& info) { return info.param.name; });
 }  // namespace
+
+// --- What colours the controls are given ---
+
+namespace {
+struct Painted {
+  COLORREF text;
+  COLORREF background;
+};
+
+// The colours the panel (or the box holding the control) gives a static
+// control at WM_CTLCOLORSTATIC, as Windows asks before drawing it.
+Painted ColoursGivenTo(HWND control) {
+  const HDC dc = CreateCompatibleDC(nullptr);
+  SetTextColor(dc, RGB(1, 2, 3));  // sentinels
+  SetBkColor(dc, RGB(4, 5, 6));
+  SendMessageW(GetParent(control), WM_CTLCOLORSTATIC, reinterpret_cast<WPARAM>(dc), reinterpret_cast<LPARAM>(control));
+  const Painted painted{GetTextColor(dc), GetBkColor(dc)};
+  DeleteDC(dc);
+  return painted;
+}
+
+void ExpectColours(HWND control, COLORREF text, COLORREF background, Caller caller = {}) {
+  TRACE_CALLER(caller);
+  ASSERT_NE(control, nullptr);
+  const Painted painted = ColoursGivenTo(control);
+  EXPECT_EQ(painted.text, text);
+  EXPECT_EQ(painted.background, background);
+}
+}  // namespace
+
+TEST_F(Panels, ColoursAnEditingTitleRedAndItsAdviceDarkGrey) {
+  const UniqueOverlay panel(CreateActiveUsersPanel(OfficeWindow(), badge, L"", L"", L"", {{L"e1", L"Eve"}}, {}));
+  ASSERT_TRUE(panel);
+  ExpectColours(ChildWithId(panel.get(), ControlId::EditingTitle), RGB(190, 30, 30), RGB(255, 255, 255));
+  ExpectColours(ChildWithId(panel.get(), ControlId::Description), RGB(68, 68, 68), RGB(255, 255, 255));
+  ExpectColours(ChildWithId(panel.get(), ControlId::Rule), RGB(200, 200, 200), RGB(255, 255, 255));
+}
+
+TEST_F(Panels, ColoursAViewingTitleGreenAndTheMembersNearBlack) {
+  const UniqueOverlay panel(CreateActiveUsersPanel(OfficeWindow(), badge, L"", L"", L"", {}, Viewers(1)));
+  ASSERT_TRUE(panel);
+  ExpectColours(ChildWithId(panel.get(), ControlId::ViewingTitle), RGB(20, 120, 60), RGB(255, 255, 255));
+  int members = 0;
+  for (const ChildRow& row : ChildrenOf(panel.get())) {
+    if (row.id != ControlId::MemberRow) continue;
+    ExpectColours(row.window, RGB(30, 30, 30), RGB(255, 255, 255));
+    ++members;
+  }
+  EXPECT_EQ(members, 2);  // the name and "Viewing now"
+}
+
+TEST_F(Panels, ColoursTheDeleteNoteDarkOnItsGreyBox) {
+  const UniqueOverlay panel(CreateDeletePanel(OfficeWindow(), badge));
+  ASSERT_TRUE(panel);
+  HWND note = nullptr;
+  for (const ChildRow& row : ChildrenOf(panel.get())) {
+    if (row.id == ControlId::Note) note = row.window;
+  }
+  ExpectColours(note, RGB(40, 40, 40), RGB(230, 230, 230));
+}
+
+TEST_F(Panels, LeavesPlainTextsAndTheCheckBoxBlackOnWhite) {
+  const UniqueOverlay panel(CreateDownloadPanel(OfficeWindow(), badge, L"", L"", L"", true, false));
+  ASSERT_TRUE(panel);
+  ExpectColours(ChildrenOf(panel.get()).at(0).window, RGB(0, 0, 0), RGB(255, 255, 255));
+  ExpectColours(ChildWithId(panel.get(), ControlId::SaveSeparateCopy), RGB(0, 0, 0), RGB(255, 255, 255));
+}
+
+TEST_F(Panels, KeepsTheDownloadButtonSquareAndRoundsHide) {
+  const UniqueOverlay download(CreateDownloadPanel(OfficeWindow(), badge, L"", L"", L"", false, false));
+  const UniqueOverlay safe(CreateSafeToEditPanel(OfficeWindow(), badge, L"", L"", L""));
+  ASSERT_TRUE(download);
+  ASSERT_TRUE(safe);
+  for (HWND panel : {download.get(), safe.get()}) {
+    ShowWindow(panel, SW_SHOWNA);
+    RedrawWindow(panel, nullptr, nullptr, RDW_INVALIDATE | RDW_UPDATENOW | RDW_ALLCHILDREN);
+  }
+  const UniqueResource<GdiObjectTraits<HRGN>> region(CreateRectRgn(0, 0, 0, 0));
+  EXPECT_EQ(ERROR, GetWindowRgn(ChildWithId(download.get(), ControlId::Download), region.get()));
+  EXPECT_EQ(COMPLEXREGION, GetWindowRgn(ChildWithId(safe.get(), ControlId::Hide), region.get()));
+}

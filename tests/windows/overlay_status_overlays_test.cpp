@@ -124,8 +124,8 @@ TEST_F(StatusOverlays, FillsTheNoInternetStripWithTheDriveAndItsTitle) {
   const UniqueOverlay strip(CreateNoInternetOverlay(OfficeWindow(), drive_, at_.x, at_.y));
   ASSERT_TRUE(strip);
   ExpectChildren(strip.get(), {
-                                  {L"Static", L"", 0, 16, 10, 28, 28, 0x5000004E, kNoFont},
-                                  {L"Static", L"No Internet Connection", 0, 54, 16, kNoInternetTitleWidth, 21, 0x50000000,
+                                  {L"Static", L"", ControlId::None, 16, 10, 28, 28, 0x5000004E, kNoFont},
+                                  {L"Static", L"No Internet Connection", ControlId::None, 54, 16, kNoInternetTitleWidth, 21, 0x50000000,
                                    kOverlayTitleFont},
                               });
 }
@@ -162,10 +162,24 @@ TEST_F(StatusOverlays, FillsTheLoadingStripWithTheDriveTheOwnerDrawnTitleAndAMar
   const UniqueOverlay strip(CreateLoadingOverlay(OfficeWindow(), drive_, at_.x, at_.y));
   ASSERT_TRUE(strip);
   ExpectChildren(strip.get(), {
-                                  {L"Static", L"", 2001, 12, 10, 32, 32, 0x5000004E, kNoFont},
-                                  {L"Static", L"Qelvo Filewell", 2001, 54, 14, 116, 21, 0x5000000D, kOverlayTitleFont},
-                                  {L"msctls_progress32", L"", 0, 0, 52, 184, 6, 0x50000008, kNoFont},
+                                  {L"Static", L"", ControlId::None, 12, 10, 32, 32, 0x5000004E, kNoFont},
+                                  {L"Static", L"Qelvo Filewell", ControlId::LoadingTitle, 54, 14, 116, 21, 0x5000000D,
+                                   kOverlayTitleFont},
+                                  {L"msctls_progress32", L"", ControlId::None, 0, 52, 184, 6, 0x50000008, kNoFont},
                               });
+}
+
+TEST_F(StatusOverlays, GivesTheLoadingStripsPictureTheStripsBlueAndNoId) {
+  const UniqueOverlay strip(CreateLoadingOverlay(OfficeWindow(), drive_, at_.x, at_.y));
+  ASSERT_TRUE(strip);
+  const HWND picture = GetWindow(strip.get(), GW_CHILD);
+  ASSERT_NE(picture, nullptr);
+  EXPECT_EQ(GetDlgCtrlID(picture), 0);
+  const HDC dc = CreateCompatibleDC(nullptr);
+  SetBkColor(dc, RGB(4, 5, 6));  // a sentinel
+  SendMessageW(strip.get(), WM_CTLCOLORSTATIC, reinterpret_cast<WPARAM>(dc), reinterpret_cast<LPARAM>(picture));
+  EXPECT_EQ(GetBkColor(dc), RGB(25, 110, 180));
+  DeleteDC(dc);
 }
 
 TEST_F(StatusOverlays, ShowsTheCallersDriveBitmapInTheLoadingStrip) {

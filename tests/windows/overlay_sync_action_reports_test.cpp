@@ -73,17 +73,18 @@ class SyncActionReport : public testing::TestWithParam<SimHost> {
 TEST_P(SyncActionReport, SaveACopyAndReloadClosesWithoutAskingAndTellsTheChoiceWithTheClose) {
   SimDocument* document = OpenSynced(L"report", kNewVersionOnTheWeb, true);
   ASSERT_NE(document, nullptr);
-  flow_.Press(Panel(), 3001);
+  flow_.Press(Panel(), ControlId::Download);
   flow_.CycleAndTick();
   HWND ask = Panel();
-  ASSERT_EQ(ButtonIdsOf(ask), (std::vector<int>{3004, 3005})) << DescribePanel(ask);
+  ASSERT_EQ(ButtonIdsOf(ask), (std::vector<ControlId>{ControlId::SaveCopyAndReload, ControlId::DiscardAndReload}))
+      << DescribePanel(ask);
 
   // Were the host to ask about the document's changes again, the user
   // would keep it open: the copy was the answer already.
   flow_.app().SetPromptAnswer(SimApplication::PromptAnswer::Cancel);
   CycleWhileOfficeIsBusy(document);
   flow_.ClearLog();
-  flow_.Press(ask, 3004);
+  flow_.Press(ask, ControlId::SaveCopyAndReload);
 
   std::vector<std::wstring> files = FilesIn(flow_.host().folder());
   files.erase(std::remove(files.begin(), files.end(), name_), files.end());
@@ -120,12 +121,13 @@ TEST_P(SyncActionReport, ASlowSaveThatFailsNeverTellsTheSyncAppTheConflictIsReso
   SimDocument* document = OpenSynced(L"shared", kConflict, true);
   ASSERT_NE(document, nullptr);
   document->SetFailingSaves(true);
-  flow_.Press(Panel(), 3006);
+  flow_.Press(Panel(), ControlId::ResolveConflict);
   HWND confirm = Panel();
-  ASSERT_EQ(ButtonIdsOf(confirm), (std::vector<int>{3008, 3009})) << DescribePanel(confirm);
+  ASSERT_EQ(ButtonIdsOf(confirm), (std::vector<ControlId>{ControlId::SaveAndResolve, ControlId::DiscardAndResolve}))
+      << DescribePanel(confirm);
 
   CycleWhileOfficeIsBusy(document);
-  flow_.Press(confirm, 3008);
+  flow_.Press(confirm, ControlId::SaveAndResolve);
   EXPECT_EQ(busyCycles_, 1);
   flow_.Cycle();
   ExpectChoiceOnlyWithTheClose(false);
@@ -137,12 +139,12 @@ TEST_P(SyncActionReport, ASlowSaveThatFailsNeverTellsTheSyncAppTheConflictIsReso
 TEST_P(SyncActionReport, ASlowCloseTellsTheChoiceOnlyOnceTheDocumentIsClosed) {
   SimDocument* document = OpenSynced(L"shared", kConflict, false);
   ASSERT_NE(document, nullptr);
-  flow_.Press(Panel(), 3006);
+  flow_.Press(Panel(), ControlId::ResolveConflict);
   HWND confirm = Panel();
-  ASSERT_EQ(ButtonIdsOf(confirm), std::vector<int>{3007}) << DescribePanel(confirm);
+  ASSERT_EQ(ButtonIdsOf(confirm), std::vector<ControlId>{ControlId::ContinueToResolve}) << DescribePanel(confirm);
 
   CycleWhileOfficeIsBusy(document);
-  flow_.Press(confirm, 3007);
+  flow_.Press(confirm, ControlId::ContinueToResolve);
   EXPECT_EQ(busyCycles_, 1);
   EXPECT_EQ(flow_.app().FindDocument(path_), nullptr);
   ExpectChoiceOnlyWithTheClose(true);
@@ -160,13 +162,14 @@ TEST_P(SyncActionReport, ASlowCloseTellsTheChoiceOnlyOnceTheDocumentIsClosed) {
 TEST_P(SyncActionReport, ACloseAnotherAddinCancelsKeepsTheFileAndTellsNothing) {
   SimDocument* document = OpenSynced(L"report", kNewVersionOnTheWeb, true);
   ASSERT_NE(document, nullptr);
-  flow_.Press(Panel(), 3001);
+  flow_.Press(Panel(), ControlId::Download);
   flow_.CycleAndTick();
   HWND ask = Panel();
-  ASSERT_EQ(ButtonIdsOf(ask), (std::vector<int>{3004, 3005})) << DescribePanel(ask);
+  ASSERT_EQ(ButtonIdsOf(ask), (std::vector<ControlId>{ControlId::SaveCopyAndReload, ControlId::DiscardAndReload}))
+      << DescribePanel(ask);
 
   document->SetCloseCancelledElsewhere(true);
-  flow_.Press(ask, 3005);
+  flow_.Press(ask, ControlId::DiscardAndReload);
   flow_.Cycle();
   ExpectChoiceOnlyWithTheClose(false);
   EXPECT_EQ(flow_.app().FindDocument(path_), document);

@@ -227,7 +227,7 @@ std::vector<ChildRow> ChildrenOf(HWND window) {
         std::wstring text(static_cast<size_t>(length) + 1, L'\0');
         text.resize(static_cast<size_t>(GetWindowTextW(child, text.data(), length + 1)));
         row.text = text;
-        row.id = GetDlgCtrlID(child);
+        row.id = static_cast<ControlId>(GetDlgCtrlID(child));
         const HWND parent = GetParent(child);
         RECT rect = WindowRectOf(child);
         MapWindowPoints(nullptr, parent, reinterpret_cast<POINT*>(&rect), 2);
@@ -256,8 +256,8 @@ std::vector<ChildRow> ChildrenOf(HWND window) {
 
 std::string Describe(const ChildRow& row) {
   std::wostringstream out;
-  out << row.className << L" \"" << row.text << L"\" id " << row.id << L" at " << row.x << L"," << row.y << L" "
-      << row.width << L"x" << row.height << L" style " << Hex(row.style) << L" font ";
+  out << row.className << L" \"" << row.text << L"\" id " << static_cast<int>(row.id) << L" at " << row.x << L","
+      << row.y << L" " << row.width << L"x" << row.height << L" style " << Hex(row.style) << L" font ";
   if (row.font.set) {
     out << row.font.height << L"/" << row.font.weight << (row.font.italic ? L" italic" : L"");
   } else {

@@ -15,6 +15,7 @@
 #include <vector>
 
 #include "common/unique_window.h"
+#include "overlay/layouts/control_id.h"
 #include "tests/caller.h"
 #include "tests/windows/wine_test_support.h"
 
@@ -109,7 +110,7 @@ inline constexpr FontLook kDefaultBoldFont{true, 0, 700, false};
 struct ChildRow {
   std::wstring className;
   std::wstring text;
-  int id = 0;
+  ControlId id = ControlId::None;
   int x = 0;
   int y = 0;
   int width = 0;

@@ -271,9 +271,10 @@ class HideOption : public OverlayWindowProc {
   void TearDown() override { syncSim_.Stop(); }
 
   void PressHide() {
-    const HWND button = ChildWithId(panel_, 3014);
+    const HWND button = ChildWithId(panel_, ControlId::Hide);
     ASSERT_NE(button, nullptr);
-    SendMessageW(panel_, WM_COMMAND, MAKEWPARAM(3014, BN_CLICKED), reinterpret_cast<LPARAM>(button));
+    SendMessageW(panel_, WM_COMMAND, MAKEWPARAM(static_cast<int>(ControlId::Hide), BN_CLICKED),
+                 reinterpret_cast<LPARAM>(button));
   }
 
   SyncSimProcess syncSim_;
@@ -296,7 +297,7 @@ TEST_F(HideOption, TakesBothWindowsAwayAtOnceAndMarksTheRecord) {
 }
 
 TEST_F(HideOption, AClickOnTheHideButtonItselfTakesBothWindowsAway) {
-  const HWND button = ChildWithId(panel_, 3014);
+  const HWND button = ChildWithId(panel_, ControlId::Hide);
   ASSERT_NE(button, nullptr);
   // The button tells its panel from inside its own click handling, and the
   // panel (with the button) is gone before that handling returns.

@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include <functional>
+#include <memory>
 #include <thread>
 
 #include "common/office_app.h"
@@ -103,14 +104,14 @@ TEST_F(SyncAppPipeTest, AsksWindowsForTheUserNameOnlyOnceEvenWhenTheFirstExchang
   EXPECT_EQ(Narrow(pipe_.Exchange(kOneFileRequest)), "ERROR");
   SyncAppPipe another;
   EXPECT_EQ(Narrow(another.Exchange(kOneFileRequest)), "ERROR");
-  EXPECT_EQ(SyncAppPipe::UserNameQueries(), 1);
+  EXPECT_EQ(WindowsUserNameQueries(), 1);
 }
 
 TEST_F(SyncAppPipeTest, SendsTheCacheRequestTextFollowedByOneNulUnit) {
   FileStatusCache cache;
   cache.AddFile(L"C:\\Users\\ann\\Filewell\\b\u00e9ta \"draft\".docx", nullptr, 1, nullptr);
   cache.AddFile(L"C:\\Users\\ann\\Filewell\\alpha.xlsx", nullptr, 0, nullptr);
-  const std::wstring request = cache.BuildRequest(L"", 0);
+  const std::wstring request = cache.BuildRequest(L"", false);
   const std::wstring textRecord = FreshTempPath(L"syncsim-requests.txt");
   const std::wstring rawRecord = FreshTempPath(L"syncsim-requests.bin");
   ServeScenario(L"", L"--record " + Quoted(textRecord) + L" --record-raw " + Quoted(rawRecord));
@@ -532,4 +533,37 @@ TEST_F(SyncAppPipeTest, TakesOverThePipeFromAnExchangeWhoseThreadWasEndedInsideI
   EXPECT_TRUE(SameText(pipe_.Exchange([] { return kOneFileRequest; }, ExchangeBounds{5000}), answer));
   EXPECT_EQ(ReadLines(record), (std::vector<std::string>{"{\"files\":[]}", Narrow(kOneFileRequest)}));
   EXPECT_TRUE(Logged().empty());
+}
+
+TEST_F(SyncAppPipeTest, ClosesTheConnectionOfAnExchangeEndedInsideItWhenItGoes) {
+  // A server of our own that takes the request and never answers.
+  UniqueFileHandle server(CreateNamedPipeW((L"\\\\.\\pipe\\FilewellSync-MSOfficeIntegration-" + LogonName()).c_str(),
+                                           PIPE_ACCESS_DUPLEX, PIPE_TYPE_MESSAGE | PIPE_READMODE_MESSAGE | PIPE_WAIT, 1,
+                                           4096, 4096, 0, nullptr));
+  ASSERT_TRUE(server) << GetLastError();
+  auto pipe = std::make_unique<SyncAppPipe>();
+  UniqueHandle ended(CreateThread(
+      nullptr, 0,
+      [](LPVOID parameter) -> DWORD {
+        static_cast<SyncAppPipe*>(parameter)->Exchange([] { return std::wstring(L"{\"files\":[]}"); },
+                                                       ExchangeBounds{30000});
+        return 0;
+      },
+      pipe.get(), 0, nullptr));
+  ASSERT_TRUE(ended);
+  ASSERT_TRUE(ConnectNamedPipe(server.get(), nullptr) || GetLastError() == ERROR_PIPE_CONNECTED);
+  wchar_t request[64] = {};
+  DWORD read = 0xdeadbeef;
+  ASSERT_TRUE(ReadFile(server.get(), request, sizeof request, &read, nullptr)) << GetLastError();
+  EXPECT_EQ(std::wstring(request), L"{\"files\":[]}");
+  Sleep(200);  // its read of the answer is pending now
+  ASSERT_TRUE(TerminateThread(ended.get(), 1));
+  ASSERT_EQ(WaitForSingleObject(ended.get(), 5000), static_cast<DWORD>(WAIT_OBJECT_0));
+  DWORD available = 0xdeadbeef;
+  ASSERT_TRUE(PeekNamedPipe(server.get(), nullptr, 0, nullptr, &available, nullptr)) << GetLastError();
+
+  pipe.reset();
+
+  EXPECT_FALSE(PeekNamedPipe(server.get(), nullptr, 0, nullptr, &available, nullptr));
+  EXPECT_EQ(GetLastError(), static_cast<DWORD>(ERROR_BROKEN_PIPE));
 }

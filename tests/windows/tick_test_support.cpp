@@ -101,9 +101,9 @@ bool HasChildText(HWND window, const std::wstring& text) {
   return std::find(texts.begin(), texts.end(), text) != texts.end();
 }
 
-HWND ChildWithId(HWND window, int id) {
+HWND ChildWithId(HWND window, ControlId id) {
   for (HWND child : Descendants(window)) {
-    if (GetDlgCtrlID(child) == id) return child;
+    if (GetDlgCtrlID(child) == static_cast<int>(id)) return child;
   }
   return nullptr;
 }

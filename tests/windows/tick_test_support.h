@@ -11,6 +11,8 @@
 #include <vector>
 
 #include "overlay/windows/overlay_window_state.h"
+#include "overlay/decision/overlay_kind.h"
+#include "overlay/layouts/control_id.h"
 #include "synclink/file_status_record.h"
 #include "tests/caller.h"
 #include "tests/windows/in_process_host.h"
@@ -56,8 +58,9 @@ HWND OwnerOf(HWND window);
 // The texts of all the window's descendants, depth first.
 std::vector<std::wstring> ChildTexts(HWND window);
 bool HasChildText(HWND window, const std::wstring& text);
+
 // The first descendant with this control id, or null.
-HWND ChildWithId(HWND window, int id);
+HWND ChildWithId(HWND window, ControlId id);
 
 // The messages of the log's Info lines, in order.
 std::vector<std::string> InfoMessages();

@@ -79,7 +79,7 @@ int RunProbe(const ProbeOptions& options) {
   OfficeApp = OfficeHost::Word;
   FileStatusCache cache;
   for (const std::wstring& path : options.files) cache.AddFile(path, nullptr, 0, nullptr);
-  const std::wstring request = cache.BuildRequest(L"", 0);
+  const std::wstring request = cache.BuildRequest(L"", false);
 
   RawExchange first = ExchangeRaw(options.pipeName, request, kLimits);
   if (first.openError == 0) {
@@ -202,7 +202,7 @@ int RunProbe(const ProbeOptions& options) {
   const std::wstring& hiddenPath = options.files.front();
   if (report.Ready("hidden-overlay", {"answer-frame"})) {
     cache.Change(hiddenPath, [](FileStatusRecord& record) { record.choices.Set(UserChoice::uiHide); });
-    const RawExchange hidden = ExchangeRaw(options.pipeName, cache.BuildRequest(hiddenPath, 1), kLimits);
+    const RawExchange hidden = ExchangeRaw(options.pipeName, cache.BuildRequest(hiddenPath, true), kLimits);
     std::wstring seen;
     const bool ok = Answered(hidden, seen);
     report.Judge("hidden-overlay", ok, L"a request with \"uiHide\":true: " + seen);
@@ -217,7 +217,7 @@ int RunProbe(const ProbeOptions& options) {
     bool ok = Answered(closing, seen);
     std::wstring result = L"a request with \"isOpen\":false: " + seen;
     if (ok) {
-      const RawExchange next = ExchangeRaw(options.pipeName, cache.BuildRequest(L"", 0), kLimits);
+      const RawExchange next = ExchangeRaw(options.pipeName, cache.BuildRequest(L"", false), kLimits);
       ok = Answered(next, seen);
       result += L"; the next request, without that file: " + seen;
     }
