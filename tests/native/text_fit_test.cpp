@@ -11,7 +11,7 @@
 
 namespace {
 LayoutStep Text(int x, int y, int w, int h, int parent = kPanelParent) {
-  LayoutStep step = TextStep(L"text", {x, y, w, h}, 1004, FontRole::Body, L"couldn't create text - ");
+  LayoutStep step = TextStep(L"text", {x, y, w, h}, ControlId::Description, ColourRole::BodyText, FontRole::Body, L"couldn't create text - ");
   step.parent = parent;
   return step;
 }
@@ -44,7 +44,7 @@ TEST(GrowLayoutToFitTexts, KeepsEveryRectangleWhenEveryTextFits) {
 
 TEST(GrowLayoutToFitTexts, WidensALinkAndMovesTheButtonBesideItButNotThePanel) {
   LayoutStep link = LinkStep(L"<a href=\"x\">Learn More</a>", {20, 215, 80, 20}, L"couldn't create link - ");
-  LayoutStep hide = ButtonStep(L"Hide", {120, 215, 40, 20}, 3014, L"couldn't create button - ");
+  LayoutStep hide = ButtonStep(L"Hide", {120, 215, 40, 20}, ControlId::Hide, ButtonLook::Quiet, ButtonShape::Rounded, L"couldn't create button - ");
   const PanelLayout fitted =
       GrowLayoutToFitTexts(Panel(400, 250, {Text(15, 15, 370, 25), link, hide}), {{0, 0}, {81, 17}, {30, 17}});
   ExpectBox(fitted.steps[0], 15, 15, 370, 25);
@@ -70,7 +70,7 @@ TEST(GrowLayoutToFitTexts, LengthensADescriptionAndPushesEverythingBelowAndThePa
 
 TEST(GrowLayoutToFitTexts, GrowsATextUntilItClearsTheRuleThatStartsInsideIt) {
   // Advice of 50 at 50, the rule at 95 (inside the advice), a heading below.
-  LayoutStep rule = TextStep(L"----", {0, 95, 400, 25}, ControlId::Rule, FontRole::None, L"r - ");
+  LayoutStep rule = TextStep(L"----", {0, 95, 400, 25}, ControlId::Rule, ColourRole::Rule, FontRole::None, L"r - ");
   const PanelLayout designed = Panel(400, 200, {Text(20, 50, 360, 50), rule, Text(20, 125, 360, 25)});
   // Two lines (34) end above the rule: nothing moves.
   const PanelLayout twoLines = GrowLayoutToFitTexts(designed, {{348, 34}, {0, 0}, {0, 0}});
@@ -86,7 +86,7 @@ TEST(GrowLayoutToFitTexts, GrowsATextUntilItClearsTheRuleThatStartsInsideIt) {
 
 TEST(GrowLayoutToFitTexts, WidensALineUntilItClearsTheControlThatStartsInsideIt) {
   LayoutStep link = LinkStep(L"<a href=\"x\">Learn More</a>", {20, 0, 100, 20}, L"l - ");
-  LayoutStep hide = ButtonStep(L"Hide", {110, 0, 40, 20}, 3014, L"b - ");
+  LayoutStep hide = ButtonStep(L"Hide", {110, 0, 40, 20}, ControlId::Hide, ButtonLook::Quiet, ButtonShape::Rounded, L"b - ");
   const PanelLayout fitted = GrowLayoutToFitTexts(Panel(400, 20, {link, hide}), {{95, 17}, {30, 17}});
   ExpectBox(fitted.steps[0], 20, 0, 105, 20);  // 90 clear of "Hide", 95 needed
   ExpectBox(fitted.steps[1], 115, 0, 40, 20);
@@ -121,7 +121,7 @@ TEST(GrowLayoutToFitTexts, AddsUpGrowthsStackedAboveEachOther) {
 }
 
 TEST(GrowLayoutToFitTexts, WidensThePanelAndItsFullWidthStripsWhenAControlPassesItsRightEdge) {
-  LayoutStep title = TextStep(L"No Internet Connection", {54, 16, 167, 21}, 0, FontRole::OverlayTitle, L"t - ");
+  LayoutStep title = TextStep(L"No Internet Connection", {54, 16, 167, 21}, ControlId::None, ColourRole::BodyText, FontRole::OverlayTitle, L"t - ");
   LayoutStep strip = ProgressBarStep({0, 52, 240, 6}, L"bar - ");
   const PanelLayout fitted = GrowLayoutToFitTexts(Panel(240, 58, {title, strip}), {{180, 20}, {0, 0}});
   ExpectBox(fitted.steps[0], 54, 16, 180, 21);
@@ -134,7 +134,7 @@ TEST(GrowLayoutToFitTexts, WidensThePanelAndItsFullWidthStripsWhenAControlPasses
 }
 
 TEST(GrowLayoutToFitTexts, MovesAResizeStepWithItsTarget) {
-  LayoutStep list = WindowStep(L"List", kStyleChild, {0, 125, 400, 800}, 5001, L"list - ");
+  LayoutStep list = WindowStep(L"List", kStyleChild, {0, 125, 400, 800}, ControlId::List, L"list - ");
   const PanelLayout designed =
       Panel(400, 300, {Text(20, 50, 360, 25), list, Text(20, 15, 305, 20, 1), ResizeChildStep(1, {0, 125, 400, 60}, L"r - ")});
   const PanelLayout fitted = GrowLayoutToFitTexts(designed, {{0, 51}, {0, 0}, {0, 0}, {0, 0}});
@@ -153,18 +153,18 @@ TEST(GrowLayoutToFitTexts, LeavesStepsWithoutAnExtentAsTheyAre) {
 TEST(MeasureOf, TellsHowEachKindOfTextIsMeasured) {
   EXPECT_EQ(TextMeasure::Wrapped, MeasureOf(Text(20, 45, 360, 40), 17));
   EXPECT_EQ(TextMeasure::OneLine, MeasureOf(Text(20, 20, 360, 25), 17));  // less than two lines high: a title
-  EXPECT_EQ(TextMeasure::OneLine, MeasureOf(ButtonStep(L"Hide", {0, 0, 40, 20}, 3014, L"b - "), 17));
+  EXPECT_EQ(TextMeasure::OneLine, MeasureOf(ButtonStep(L"Hide", {0, 0, 40, 20}, ControlId::Hide, ButtonLook::Quiet, ButtonShape::Rounded, L"b - "), 17));
   EXPECT_EQ(TextMeasure::OneLine, MeasureOf(LinkStep(L"<a>x</a>", {0, 0, 80, 20}, L"l - "), 17));
   EXPECT_EQ(TextMeasure::OneLine,
-            MeasureOf(OwnerDrawnTextStep(L"Qelvo Filewell", {0, 0, 116, 21}, 2001, FontRole::OverlayTitle, L"o - "), 17));
-  EXPECT_EQ(TextMeasure::CheckBoxLine, MeasureOf(CheckBoxStep(L"Save", {0, 0, 360, 40}, 4001, L"c - "), 17));
-  EXPECT_EQ(TextMeasure::LineHeight, MeasureOf(NameStep(L"Ann Lee", {0, 0, 305, 20}, 0, FontRole::Title, L"n - "), 19));
-  LayoutStep rule = TextStep(L"______", {0, 85, 400, 20}, ControlId::Rule, FontRole::None, L"r - ");
+            MeasureOf(OwnerDrawnTextStep(L"Qelvo Filewell", {0, 0, 116, 21}, ControlId::LoadingTitle, ColourRole::BodyText, FontRole::OverlayTitle, L"o - "), 17));
+  EXPECT_EQ(TextMeasure::CheckBoxLine, MeasureOf(CheckBoxStep(L"Save", {0, 0, 360, 40}, ControlId::SaveSeparateCopy, L"c - "), 17));
+  EXPECT_EQ(TextMeasure::LineHeight, MeasureOf(NameStep(L"Ann Lee", {0, 0, 305, 20}, ControlId::None, ColourRole::BodyText, FontRole::Title, L"n - "), 19));
+  LayoutStep rule = TextStep(L"______", {0, 85, 400, 20}, ControlId::Rule, ColourRole::Rule, FontRole::None, L"r - ");
   EXPECT_EQ(TextMeasure::None, MeasureOf(rule, 16));
-  EXPECT_EQ(TextMeasure::None, MeasureOf(ImageStep(ImageRole::ErrorIcon, {0, 0, 21, 21}, 0, L"i - "), 16));
+  EXPECT_EQ(TextMeasure::None, MeasureOf(ImageStep(ImageRole::ErrorIcon, {0, 0, 21, 21}, ControlId::None, L"i - "), 16));
   EXPECT_EQ(TextMeasure::None,
             MeasureOf(WindowStep(L"QelvoFilewellSync-MSOfficeAddin-LightBlueHorScrollUI", kStyleHorizontalScrollArea,
-                                 L"Budget.xlsx", {20, 225, 360, 60}, 5002, FontRole::Body, L"s - "),
+                                 L"Budget.xlsx", {20, 225, 360, 60}, ControlId::NewName, FontRole::Body, L"s - "),
                       17));
   EXPECT_EQ(TextMeasure::None, MeasureOf(ResizeChildStep(1, {0, 0, 1, 1}, L"r - "), 17));
 }
