@@ -18,7 +18,7 @@
 
 namespace {
 constexpr int kWarmUpRounds = 5;
-// Sixty rounds of every flow in Word; Excel and PowerPoint, whose flows
+// Thirty-two rounds of every flow in Word; Excel and PowerPoint, whose flows
 // differ only in the host's own calls, get a quarter of that. A round that
 // keeps even one handle, GDI or USER object or reference shows at once in
 // that many, and the suite stays inside its time. QSYNC_FLOW_ROUNDS sets
@@ -27,7 +27,7 @@ int WordRounds() {
   char text[16] = {};
   const DWORD length = GetEnvironmentVariableA("QSYNC_FLOW_ROUNDS", text, sizeof text);
   const int rounds = length > 0 && length < sizeof text ? std::atoi(text) : 0;
-  return rounds >= 4 ? rounds : 60;
+  return rounds >= 4 ? rounds : 32;
 }
 int CountedRounds(SimHost host) { return host == SimHost::Word ? WordRounds() : WordRounds() / 4; }
 
