@@ -3,6 +3,7 @@
 #include <cwchar>
 
 #include "overlay/layouts/control_styles.h"
+#include "overlay/layouts/text_fit.h"
 
 namespace {
 // The static styles whose text is what the user reads (not a picture).
@@ -46,17 +47,6 @@ std::wstring PanelAccessibleName(const PanelLayout& layout) {
   return std::wstring();
 }
 
-std::wstring LinkAccessibleName(const std::wstring& markup) {
-  std::wstring shown;
-  bool inTag = false;
-  for (wchar_t c : markup) {
-    if (c == L'<') {
-      inTag = true;
-    } else if (c == L'>') {
-      inTag = false;
-    } else if (!inTag) {
-      shown += c;
-    }
-  }
-  return shown;
-}
+// A screen reader reads what the user sees: the link's text without its
+// markup.
+std::wstring LinkAccessibleName(const std::wstring& markup) { return ShownLinkText(markup); }
